@@ -20,12 +20,14 @@ PLIM_LOG_API void Log_Run_Error(const char* tag, const char* message);
 
 /// One record of the interface log: an operation that went well (Info) or failed (Error). The arguments 3, 5, 6, 7 and 11
 /// are reserved and empty. `start` and `end` are local times with milliseconds, `code` is decimal text.
-PLIM_LOG_API void Log_Interface_Info(const char* tag, const char* interfaceType, const char* reserved3, const char* operation,
-                                     const char* reserved5, const char* reserved6, const char* reserved7, const char* start,
-                                     const char* end, const char* code, const char* reserved11);
-PLIM_LOG_API void Log_Interface_Error(const char* tag, const char* interfaceType, const char* reserved3, const char* operation,
-                                      const char* reserved5, const char* reserved6, const char* reserved7, const char* start,
-                                      const char* end, const char* code, const char* reserved11);
+PLIM_LOG_API void Log_Interface_Info(const char* tag, const char* interfaceType, const char* reserved3,
+                                     const char* operation, const char* reserved5, const char* reserved6,
+                                     const char* reserved7, const char* start, const char* end, const char* code,
+                                     const char* reserved11);
+PLIM_LOG_API void Log_Interface_Error(const char* tag, const char* interfaceType, const char* reserved3,
+                                      const char* operation, const char* reserved5, const char* reserved6,
+                                      const char* reserved7, const char* start, const char* end, const char* code,
+                                      const char* reserved11);
 }
 
 #endif

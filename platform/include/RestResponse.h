@@ -15,7 +15,8 @@ public:
     RestResponse& operator=(RestResponse&& other) noexcept;
     ~RestResponse();
 
-    /// How many records the reply holds: 0 where "data" is absent or an empty object, 1 for one object, else the list's length.
+    /// How many records the reply holds: 0 where "data" is absent or an empty object, 1 for one object, else the list's
+    /// length.
     unsigned int count() const;
 
     /// Record `index`, an object; null where there is no such record.

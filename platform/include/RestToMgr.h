@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-/// One command of the host. The runner knows the fields under the keys "shellCmd", "param", "cmdCode", "cmdType", "requestId".
+/// One command of the host. The runner knows the fields under the keys "shellCmd", "param", "cmdCode", "cmdType",
+/// "requestId".
 struct RunShellCmdInfo {
     std::string shellCmd;            ///< the command line; each '?' is the place of one parameter
     std::vector<std::string> param;  ///< the parameters, in the order of the '?' marks
@@ -25,7 +26,8 @@ class __attribute__((visibility("default"))) RestToMgr {
 public:
     /// Runs the command and waits for its end or for the time limit. `outputLines` gets the lines of its standard output
     /// (appended, without line ends), `errorText` its standard error followed by its standard output, or why it did not run.
-    /// Returns 0 only where the command ran and exited with 0, so a grep that finds nothing fails. Any thread. Does not throw.
+    /// Returns 0 only where the command ran and exited with 0, so a grep that finds nothing fails. Any thread. Does not
+    /// throw.
     static int ExceSystemCmd(const RunShellCmdInfo& command, std::vector<std::string>& outputLines, std::string& errorText);
 };
 
