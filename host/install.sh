@@ -70,7 +70,7 @@ check() {
     for tool in sudo visudo flock udevadm iscsiadm lsscsi; do
         command -v "$tool" >/dev/null || problem "command $tool is missing"
     done
-    ! command -v visudo >/dev/null || visudo -cq || problem "visudo finds errors in the sudoers files"
+    ! command -v visudo >/dev/null || visudo -c >/dev/null || problem "visudo finds errors in the sudoers files"
     [[ -z $user ]] || checkUser
     [[ $problems -eq 0 ]] || exit 1
     echo "$SCRIPT and $SUDOERS are in place"

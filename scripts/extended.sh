@@ -1,0 +1,19 @@
+#!/bin/bash
+# What scripts/test.sh --all adds to the ordinary tests; sourced after common.sh. A new kind of check is one function
+# that builds what it needs and prints CTest lines for test.sh, called in extendedTests.
+extendedPackages() { echo clang-tidy; }
+extendedTests() {
+    extendedThreads
+    extendedTidy
+}
+
+extendedThreads() {                          # the unit tests once more, under the thread sanitizer
+    buildPreset tsan >&2
+    echo "subdirs(\"$TOP/build/tsan\")"
+}
+
+extendedTidy() {                             # clang-tidy runs as part of a build; the build is the test
+    configurePreset tidy >&2
+    echo "add_test(ClangTidy ninja -C \"$TOP/build/tidy\" -j $(nproc) --quiet)"
+    echo "set_tests_properties(ClangTidy PROPERTIES LABELS tidy TIMEOUT 3600 RUN_SERIAL ON)"
+}
