@@ -42,20 +42,20 @@ checkFile() {                                # INSTALLED SOURCE MODE: same conte
 }
 
 checkFolders() {                             # FILE: nobody but root can replace a part of its path
-    local path=$1
-    while path=${path%/*}; [[ -n $path ]]; do
-        [[ -d $path ]] || continue
-        [[ ! -L $path ]] || problem "$path is a symbolic link"
-        [[ $(stat -c %u "$path") == 0 ]] || problem "$path must belong to root"
-        [[ -z $(find "$path" -maxdepth 0 -perm /022) ]] || problem "$path can be written by others than root"
-    done
+    local path=$1 paths=() owner mode
+    while path=${path%/*}; [[ -n $path ]]; do [[ ! -d $path ]] || paths+=("$path"); done
+    while read -r owner mode path; do
+        [[ $mode == d* ]] || problem "$path is a symbolic link"
+        [[ $owner == 0 ]] || problem "$path must belong to root"
+        [[ $mode != ?????w* && $mode != ????????w* ]] || problem "$path can be written by others than root"
+    done < <(stat -c '%u %A %n' "${paths[@]}")
 }
 
 checkUser() {
-    local group
-    getent passwd "$user" >/dev/null || { problem "there is no user $user"; return; }
+    local group groups
+    groups=" $(id -nG "$user" 2>/dev/null) " || { problem "there is no user $user"; return; }
     for group in "$GROUP" disk; do
-        [[ " $(id -nG "$user") " == *" $group "* ]] || problem "user $user is not in group $group"
+        [[ $groups == *" $group "* ]] || problem "user $user is not in group $group"
     done
 }
 

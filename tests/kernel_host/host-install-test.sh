@@ -48,11 +48,11 @@ check 0 "SCSI hosts scanned" "a hostile environment" \
 check 1 "" "... has no effect" test -e /tmp/evil-ran
 
 chmod 775 /opt/root_tool
+chown backup $SCRIPT
+echo '# more' >>$SCRIPT
 check 1 "/opt/root_tool can be written by others" "--check with a folder that others may write" "$INSTALL" --check
-chmod 755 /opt/root_tool; chown backup $SCRIPT
-check 1 "$SCRIPT must belong to root" "--check with another owner" "$INSTALL" --check
-"$INSTALL" >/dev/null; echo '# more' >>$SCRIPT
-check 1 "$SCRIPT differs" "--check with another content" "$INSTALL" --check
+cp $out /tmp/findings
+for part in "$SCRIPT must belong to root" "$SCRIPT differs"; do check 0 "" "... $part" grep -qF "$part" /tmp/findings; done
 check 0 "removed" "--uninstall" "$INSTALL" --uninstall
 check 1 "is missing" "--check after it" "$INSTALL" --check
 check 1 "" "the user may do nothing now" rescan "$SCRIPT" do_uprescan
