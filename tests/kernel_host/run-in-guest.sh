@@ -117,14 +117,27 @@ memoryFolder() {                             # the file behind the guest's memor
     if [[ ${free:-0} -gt $((wanted + 64)) && -w /dev/shm ]]; then echo /dev/shm; else echo /tmp; fi
 }
 
+# The guest hands over between its processes at every system call, which is three times as fast on one processor. Chooses one that
+# no other guest has (descriptor 8 keeps it), else any.
+oneProcessor() {
+    local all cpu
+    mapfile -t all < <(taskset -pc $$ | sed 's/.*: //' | tr , '\n' | while IFS=- read -r first last; do seq "$first" "${last:-$first}"; done)
+    for cpu in "${all[@]}"; do
+        exec 8>>"$CACHE/processor-$cpu"
+        if flock -n 8; then processor=$cpu; return; fi
+    done
+    processor=${all[$(($$ % ${#all[@]}))]}
+}
+
 # The kernel's console goes into the log, the command's serial line through descriptor 3 to standard output and into the log.
 boot() {
     local guest
     exec 3> >(exec tee -a "$log")
     copier=$!
-    setpriv --pdeathsig TERM env -i HOME="$run" TMPDIR="$(memoryFolder)" timeout -k 5 "$limit" \
+    oneProcessor
+    setpriv --pdeathsig TERM taskset -c "$processor" env -i HOME="$run" TMPDIR="$(memoryFolder)" timeout -k 5 "$limit" \
         "$GUEST_ROOT/uml/usr/bin/linux.uml" "mem=$memory" loglevel=1 root=/dev/root rootfstype=hostfs rootflags=/ ro \
-        "init=$run/init" "RUN=$run" "$SKIPPED" con=null con0=null,fd:1 ssl=null ssl0=null,fd:3 </dev/null >>"$log" 2>&1 9>&- &
+        "init=$run/init" "RUN=$run" "$SKIPPED" con=null con0=null,fd:1 ssl=null ssl0=null,fd:3 </dev/null >>"$log" 2>&1 8>&- 9>&- &
     guest=$!
     trap 'kill "$guest" 2>/dev/null || true; wait "$guest" || true; exit 143' INT TERM HUP
     bootStatus=0
