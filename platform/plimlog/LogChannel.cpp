@@ -9,8 +9,6 @@
 
 #include <cerrno>
 
-#include <unistd.h>
-
 namespace brevan::plimlog {
 namespace {
 
@@ -43,7 +41,7 @@ void appendLevel(const spdlog::details::log_msg& message, spdlog::memory_buf_t& 
 
 void appendProcess(const spdlog::details::log_msg&, spdlog::memory_buf_t& out)
 {
-    const fmt::format_int text(getpid());
+    const fmt::format_int text(currentProcessId());
     out.append(text.data(), text.data() + text.size());
 }
 

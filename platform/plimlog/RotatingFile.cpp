@@ -1,6 +1,7 @@
 #include "platform/plimlog/RotatingFile.h"
 
 #include "platform/plimlog/LogDirectory.h"
+#include "platform/plimlog/ProcessIds.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,7 +30,7 @@ std::uint64_t withinProcessLimit(std::uint64_t bytes) noexcept
 
 RotatingFile::RotatingFile(std::string directory, LogFileName name, std::uint64_t maxBytes, unsigned maxFiles)
     : m_directory(std::move(directory)), m_name(std::move(name)), m_maxBytes(withinProcessLimit(maxBytes)),
-      m_maxFiles(maxFiles), m_owner(getpid())
+      m_maxFiles(maxFiles), m_owner(currentProcessId())
 {
 }
 
@@ -86,21 +87,33 @@ int RotatingFile::write(std::string_view line) noexcept
     return error;
 }
 
-/// Sees to it that an open file is there, still has its name, and can take `bytes` more.
+/// Closes a file that was removed, so that the next line makes it anew.
+void RotatingFile::lookForFile() noexcept
+{
+    const auto now = Clock::now();
+    struct stat status {};
+    if (m_fd < 0 || now < m_nextLook || fstat(m_fd, &status) != 0) {
+        return;
+    }
+    m_nextLook = now + kLookInterval;
+    m_size = static_cast<std::uint64_t>(status.st_size);
+    if (status.st_nlink == 0) {
+        close();
+    }
+}
+
+/// Sees to it that an open file is there and can take `bytes` more.
 int RotatingFile::makeRoom(std::size_t bytes) noexcept
 {
-    struct stat status {};
-    if (m_fd >= 0 && fstat(m_fd, &status) == 0) {
-        m_size = static_cast<std::uint64_t>(status.st_size);
-        if (status.st_nlink == 0) {
-            close();
-        }
+    if (bytes > m_maxBytes) {
+        return EFBIG;
     }
+    lookForFile();
     int error = open();
     if (error == 0 && m_size > 0 && m_size + bytes > m_maxBytes) {
         error = rotate();
     }
-    return error == 0 && m_size + bytes > m_maxBytes ? EFBIG : error;
+    return error;
 }
 
 int RotatingFile::rotate() noexcept
@@ -131,9 +144,7 @@ int RotatingFile::append(std::string_view line) noexcept
         }
         if (wrote <= 0) {
             const int error = wrote < 0 ? errno : EIO;
-            if (done > 0 && ftruncate(m_fd, static_cast<off_t>(m_size)) != 0) {
-                return EIO;
-            }
+            takeBack(done);
             return error;
         }
         done += static_cast<std::size_t>(wrote);
@@ -142,12 +153,21 @@ int RotatingFile::append(std::string_view line) noexcept
     return 0;
 }
 
+/// Removes the beginning of a line whose end found no room.
+void RotatingFile::takeBack(std::size_t bytes) noexcept
+{
+    struct stat status {};
+    if (bytes > 0 && fstat(m_fd, &status) == 0) {
+        [[maybe_unused]] const int result = ftruncate(m_fd, status.st_size - static_cast<off_t>(bytes));
+    }
+}
+
 void RotatingFile::close() noexcept
 {
     if (m_fd < 0) {
         return;
     }
-    if (m_owner == getpid()) {
+    if (m_owner == currentProcessId()) {
         flock(m_fd, LOCK_UN);  // a child of fork may keep the descriptor open for long
     }
     ::close(m_fd);

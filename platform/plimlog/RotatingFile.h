@@ -3,6 +3,7 @@
 
 #include "platform/plimlog/LogFileName.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,10 +11,13 @@
 namespace brevan::plimlog {
 
 /// One log file of this process with its older generations. The file is opened by the first line, again when it or its
-/// directory was removed, and moved aside when it is full. Whole lines only: a line that does not fit on the disk leaves
+/// directory was removed (looked for every kLookInterval), and moved aside when it is full. Whole lines only: a line that does not fit on the disk leaves
 /// nothing behind. One thread at a time.
 class RotatingFile {
 public:
+    /// A look costs a system call, too much for every line. What is written in between goes with the removed file.
+    static constexpr std::chrono::milliseconds kLookInterval{100};
+
     RotatingFile(std::string directory, LogFileName name, std::uint64_t maxBytes, unsigned maxFiles);
     RotatingFile(const RotatingFile&) = delete;
     RotatingFile& operator=(const RotatingFile&) = delete;
@@ -29,11 +33,15 @@ public:
     std::string path() const { return pathOf(0); }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     std::string pathOf(unsigned generation) const;
     int openOnce() noexcept;
+    void lookForFile() noexcept;
     int makeRoom(std::size_t bytes) noexcept;
     int rotate() noexcept;
     int append(std::string_view line) noexcept;
+    void takeBack(std::size_t bytes) noexcept;
     void close() noexcept;
 
     std::string m_directory;
@@ -43,6 +51,7 @@ private:
     pid_t m_owner;
     int m_fd = -1;
     std::uint64_t m_size = 0;
+    Clock::time_point m_nextLook{};
 };
 
 }

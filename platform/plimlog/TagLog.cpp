@@ -9,8 +9,6 @@
 #include <system_error>
 #include <utility>
 
-#include <unistd.h>
-
 namespace brevan::plimlog {
 namespace {
 
@@ -37,7 +35,7 @@ void TagLog::openOwnFiles()
     LogFileName name;
     name.tag = m_tagPart;
     name.program = namePart(programName()).substr(0, kLongestTag);
-    name.pid = getpid();
+    name.pid = currentProcessId();
     auto run = std::make_unique<LogChannel>(m_directory, name, m_settings.run);
     name.kind = LogKind::Interface;
     auto interface = std::make_unique<LogChannel>(m_directory, name, m_settings.interface);
@@ -50,7 +48,7 @@ void TagLog::openOwnFiles()
 /// After fork the open files are the parent's: only it may rotate them.
 void TagLog::enterProcess()
 {
-    if (m_process != getpid()) {
+    if (m_process != currentProcessId()) {
         openOwnFiles();
         m_lost = 0;
     }
