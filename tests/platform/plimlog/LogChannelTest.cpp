@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <regex>
 
 #include <unistd.h>
 
@@ -20,14 +20,21 @@ LogFileName nameOf(LogKind kind)
     return {"Test", "program", getpid(), 1, kind, 0};
 }
 
+std::string digitsBlotted(std::string text)
+{
+    std::replace_if(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
+    return text;
+}
+
 TEST(LogChannel, PutsTimeLevelProcessAndThreadBeforeARunLogLine)
 {
     const TestFolder folder;
     LogChannel channel(folder.path(), nameOf(LogKind::Run), {});
     EXPECT_EQ(channel.write(LogLevel::Info, "100% {} done"), 0);
     const std::string ids = std::to_string(getpid()) + " " + std::to_string(gettid());
-    const std::regex expected(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} INFO  )" + ids + R"( 100% \{\} done\n)");
-    EXPECT_TRUE(std::regex_match(readFile(channel.path()), expected)) << readFile(channel.path());
+    const std::string line = readFile(channel.path());
+    EXPECT_EQ(digitsBlotted(line.substr(0, 23)), "0000-00-00 00:00:00.000");
+    EXPECT_EQ(line.substr(23), " INFO  " + ids + " 100% {} done\n");
 }
 
 TEST(LogChannel, NamesTheFourLevels)

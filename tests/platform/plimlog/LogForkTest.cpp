@@ -20,15 +20,13 @@ using testing::EndsWith;
 
 class LoggingProcess : public testing::Test {
 protected:
-    void startLog(const std::string& ini = "")
-    {
-        const std::string config = m_folder.write("Brevan_API.ini", "[log]\ndirectory = logs\n" + ini);
-        ASSERT_EQ(LogInit("Test", config.c_str(), nullptr, nullptr), 0);
-    }
+    void startLog() { ASSERT_EQ(LogInit("Test", m_config.c_str(), nullptr, nullptr), 0); }
     void TearDown() override { LogFini("Test"); }
     std::vector<std::string> runLog(pid_t process) const { return linesOf(logPath(m_folder / "logs", process, "run.log")); }
 
     TestFolder m_folder;
+    std::string m_config = m_folder.write("Brevan_API.ini", "[log]\ndirectory = logs\n"
+                                                            "[run]\nmax_file_size_kib = 512\nmax_files = 100\n");
 };
 
 TEST_F(LoggingProcess, GetsFilesOfItsOwnAfterFork)
@@ -77,7 +75,7 @@ TEST_F(LoggingProcess, LosesAndTearsNoLineNextToSevenOthers)
     std::vector<pid_t> children;
     for (int i = 0; i < kProcesses; ++i) {
         children.push_back(startChild([this] {
-            startLog("[run]\nmax_file_size_kib = 512\nmax_files = 100\n");
+            startLog();
             for (int line = 0; line < kLines; ++line) {
                 Log_Run_Info("Test", std::to_string(line).c_str());
             }
