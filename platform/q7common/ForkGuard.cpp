@@ -1,0 +1,46 @@
+#include "ForkGuard.h"
+
+#include "ConnectionPool.h"
+#include "SessionStore.h"
+#include "Settings.h"
+
+#include <pthread.h>
+
+namespace brevan {
+
+namespace {
+
+void beforeFork()
+{
+    SessionStore::instance().lockForFork();
+    lockSettingsForFork();
+    ConnectionPool::instance().lockForFork();
+}
+
+void unlockStores()
+{
+    unlockSettingsAfterFork();
+    SessionStore::instance().unlockAfterFork();
+}
+
+void inParent()
+{
+    ConnectionPool::instance().unlockInParent();
+    unlockStores();
+}
+
+void inChild()
+{
+    ConnectionPool::instance().unlockInChild();
+    unlockStores();
+}
+
+}  // namespace
+
+void guardForks()
+{
+    static const int kResult = pthread_atfork(beforeFork, inParent, inChild);
+    static_cast<void>(kResult);
+}
+
+}  // namespace brevan

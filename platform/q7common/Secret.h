@@ -1,0 +1,61 @@
+#ifndef BREVAN_Q7COMMON_SECRET_H
+#define BREVAN_Q7COMMON_SECRET_H
+
+#include <openssl/crypto.h>
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace brevan {
+
+/// Wipes memory before it goes back, so that a password does not stay behind in freed blocks, outgrown ones included.
+template <typename T>
+struct CleansingAllocator {
+    using value_type = T;
+
+    CleansingAllocator() = default;
+    template <typename U>
+    CleansingAllocator(const CleansingAllocator<U>&) noexcept
+    {
+    }
+
+    T* allocate(std::size_t count) { return std::allocator<T>().allocate(count); }
+
+    void deallocate(T* place, std::size_t count) noexcept
+    {
+        OPENSSL_cleanse(place, count * sizeof(T));
+        std::allocator<T>().deallocate(place, count);
+    }
+
+    friend bool operator==(const CleansingAllocator&, const CleansingAllocator&) noexcept { return true; }
+    friend bool operator!=(const CleansingAllocator&, const CleansingAllocator&) noexcept { return false; }
+};
+
+/// Bytes that may hold a secret. A vector, because a short std::string keeps its text inside the object, where no
+/// allocator can wipe it.
+using SecretBytes = std::vector<char, CleansingAllocator<char>>;
+
+inline void append(SecretBytes& bytes, std::string_view text)
+{
+    bytes.insert(bytes.end(), text.begin(), text.end());
+}
+
+inline std::string_view viewOf(const SecretBytes& bytes)
+{
+    return {bytes.data(), bytes.size()};
+}
+
+/// Empties `bytes` and keeps its room for the next use.
+inline void wipe(SecretBytes& bytes) noexcept
+{
+    if (!bytes.empty()) {
+        OPENSSL_cleanse(bytes.data(), bytes.size());
+    }
+    bytes.clear();
+}
+
+}  // namespace brevan
+
+#endif
