@@ -1,0 +1,80 @@
+#include "ArrayServer.h"
+#include "CommandLine.h"
+#include "Files.h"
+
+#include <csignal>
+#include <iostream>
+#include <mutex>
+
+#include <pthread.h>
+
+namespace {
+
+using namespace brevan::sim;
+
+/// Blocks the signals that end the program, so that it can wait for them; before any thread starts, as threads inherit this.
+sigset_t blockedEndSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    return signals;
+}
+
+std::string url(const ArrayServer& server)
+{
+    const std::string address = server.address();
+    const bool bracketed = address.find(':') != std::string::npos;
+    return "https://" + (bracketed ? "[" + address + "]" : address) + ":" + std::to_string(server.port());
+}
+
+void logTo(std::ostream& stream, ServerOptions& options)
+{
+    const auto mutex = std::make_shared<std::mutex>();
+    options.requestLog = [mutex, &stream](const std::string& line) {
+        const std::lock_guard<std::mutex> lock(*mutex);
+        stream << line << std::endl;
+    };
+}
+
+int serve(ProgramOptions options)
+{
+    sigset_t signals = blockedEndSignals();
+    if (options.logRequests) {
+        logTo(std::cout, options.server);
+    }
+    ArrayServer server(options.server);
+    server.start();
+    if (!options.portFile.empty()) {
+        writeFileAtomically(options.portFile, std::to_string(server.port()) + "\n");
+    }
+    std::cout << "certificate authority " << server.caFile() << "\nlistening on " << url(server) << std::endl;
+    int signal = 0;
+    sigwait(&signals, &signal);
+    server.stop();
+    std::cout << "ended by signal " << signal << std::endl;
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    int exitStatus = 0;
+    const std::optional<ProgramOptions> options = readCommandLine(argc, argv, exitStatus, std::cout, std::cerr);
+    if (!options) {
+        return exitStatus;
+    }
+    try {
+        return serve(*options);
+    } catch (const std::invalid_argument& error) {
+        std::cerr << "brevan-array-sim: " << error.what() << " (--help explains all flags)" << std::endl;
+        return kUsageError;
+    } catch (const std::exception& error) {
+        std::cerr << "brevan-array-sim: " << error.what() << std::endl;
+        return 1;
+    }
+}

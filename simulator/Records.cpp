@@ -1,0 +1,176 @@
+#include "Records.h"
+
+#include "ApiError.h"
+#include "Text.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace brevan::sim {
+
+namespace {
+
+/// A WHERE clause while it is put together.
+struct Condition {
+    std::string sql;
+    std::vector<Value> parameters;
+
+    void add(const std::string& text, Value parameter)
+    {
+        sql += " AND (" + text + ")";
+        parameters.push_back(std::move(parameter));
+    }
+};
+
+std::string selection(const ResourceKind& kind)
+{
+    std::string columns;
+    for (const Field& field : kind.fields) {
+        columns += (columns.empty() ? "SELECT " : ", ") + std::string(field.sql);
+    }
+    return columns + " FROM " + kind.table + " WHERE (" + kind.restriction + ")";
+}
+
+nlohmann::json recordFrom(const Statement& row, const ResourceKind& kind)
+{
+    nlohmann::json record = nlohmann::json::object();
+    int column = 0;
+    for (const Field& field : kind.fields) {
+        if (field.form == Form::kMembers) {
+            record.update(nlohmann::json::parse(row.text(column)));
+        } else if (!row.isNull(column)) {
+            record[field.key] = field.form == Form::kNumber ? nlohmann::json(row.number(column)) : nlohmann::json(row.text(column));
+        }
+        ++column;
+    }
+    return record;
+}
+
+std::int64_t filterNumber(const std::string& key, const std::string& text)
+{
+    const auto number = decimal(text);
+    if (!number || *number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
+        throw ApiError(kBadQuery, "The filter value " + inQuotes(text) + " of " + key + " is not a whole number.");
+    }
+    return static_cast<std::int64_t>(*number);
+}
+
+Value filterValue(const Field& field, const std::string& text)
+{
+    if (field.match == Match::kNumber) {
+        return filterNumber(field.key, text);
+    }
+    if (field.match == Match::kText) {
+        return text;
+    }
+    if (text != "0" && text != "1" && text != "true" && text != "false") {
+        throw ApiError(kBadQuery, "The filter value " + inQuotes(text) + " of " + field.key + " must be 0 or 1.");
+    }
+    return std::string(text == "1" || text == "true" ? "true" : "false");
+}
+
+void addFilter(Condition& condition, const ResourceKind& kind, const RequestQuery& query)
+{
+    for (const auto& [key, text] : query.filter()) {
+        const auto field = std::find_if(kind.fields.begin(), kind.fields.end(),
+                                        [&wanted = key](const Field& candidate) { return wanted == candidate.key; });
+        if (field == kind.fields.end() || field->match == Match::kNever) {
+            throw ApiError(kBadQuery, "A " + std::string(kind.name) + " cannot be filtered by " + inQuotes(key) + ".");
+        }
+        condition.add(std::string(field->sql) + " = ?", filterValue(*field, text));
+    }
+}
+
+/// A "TYPE" that names another kind than the path does is a client's mistake that must not go unnoticed.
+void checkType(const ResourceKind& kind, const RequestQuery& query)
+{
+    const std::string type = query.value("TYPE");
+    if (!type.empty() && kind.type != ObjectType::kNone && type != std::to_string(static_cast<int>(kind.type))) {
+        throw ApiError(kBadQuery, "TYPE " + inQuotes(type) + " is not the type of a " + kind.name + ".");
+    }
+}
+
+void addAssociation(Condition& condition, Database& database, const ResourceKind& kind, const RequestQuery& query)
+{
+    const std::string type = query.value("ASSOCIATEOBJTYPE");
+    if (type.empty() && query.value("ASSOCIATEOBJID").empty()) {
+        return;
+    }
+    const std::string id = query.require("ASSOCIATEOBJID");
+    query.require("ASSOCIATEOBJTYPE");
+    for (const Association& association : kind.associations) {
+        if (type == std::to_string(static_cast<int>(association.type))) {
+            condition.add(association.condition, existingId(database, *kindOfType(association.type), id));
+            return;
+        }
+    }
+    throw ApiError(kBadQuery, "A " + std::string(kind.name) + " has no association with objects of type " + inQuotes(type) + ".");
+}
+
+Condition conditionOf(Database& database, const ResourceKind& kind, const RequestQuery& query)
+{
+    Condition condition;
+    checkType(kind, query);
+    addFilter(condition, kind, query);
+    addAssociation(condition, database, kind, query);
+    return condition;
+}
+
+[[noreturn]] void unknown(const ResourceKind& kind, const std::string& id)
+{
+    throw ApiError(kind.unknownCode, "The " + std::string(kind.name) + " " + inQuotes(id) + " does not exist.");
+}
+
+} // namespace
+
+Value existingId(Database& database, const ResourceKind& kind, const std::string& id)
+{
+    Value value = id;
+    if (kind.numericId) {
+        const auto number = decimal(id);
+        // Only the array's own spelling is an ID: "007" is no object.
+        if (!number || std::to_string(*number) != id || *number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
+            unknown(kind, id);
+        }
+        value = static_cast<std::int64_t>(*number);
+    }
+    const std::string sql = std::string("SELECT 1 FROM ") + kind.table + " WHERE (" + kind.restriction + ") AND id = ?";
+    if (!database.exists(sql, {value})) {
+        unknown(kind, id);
+    }
+    return value;
+}
+
+nlohmann::json readRecord(Database& database, const ResourceKind& kind, const Value& id)
+{
+    Statement row = database.query(selection(kind) + " AND id = ?", {id});
+    return row.step() ? recordFrom(row, kind) : nlohmann::json::object();
+}
+
+nlohmann::json readRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
+{
+    Condition condition = conditionOf(database, kind, query);
+    const Range range = query.range().value_or(Range{0, std::numeric_limits<std::uint64_t>::max()});
+    const auto most = std::min(range.last - range.first, kMostRecords + 1);
+    const auto first = std::min<std::uint64_t>(range.first, std::numeric_limits<std::int64_t>::max());
+    condition.parameters.emplace_back(static_cast<std::int64_t>(most));
+    condition.parameters.emplace_back(static_cast<std::int64_t>(first));
+    Statement row = database.query(selection(kind) + condition.sql + " ORDER BY id LIMIT ? OFFSET ?", condition.parameters);
+    nlohmann::json records = nlohmann::json::array();
+    while (row.step()) {
+        records.push_back(recordFrom(row, kind));
+    }
+    if (records.size() > kMostRecords) {
+        throw ApiError(kTooManyRecords, "The list is longer than " + std::to_string(kMostRecords) + " records: ask for a range.");
+    }
+    return records;
+}
+
+std::int64_t countRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
+{
+    const Condition condition = conditionOf(database, kind, query);
+    return database.number(std::string("SELECT count(*) FROM ") + kind.table + " WHERE (" + kind.restriction + ")" + condition.sql,
+                           condition.parameters);
+}
+
+} // namespace brevan::sim

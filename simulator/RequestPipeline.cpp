@@ -1,0 +1,229 @@
+#include "RequestPipeline.h"
+
+#include "ApiError.h"
+#include "Mapping.h"
+#include "Objects.h"
+#include "Text.h"
+
+#include <chrono>
+
+namespace brevan::sim {
+
+namespace {
+
+constexpr std::string_view kBase = "/deviceManager/rest/";
+// Stands for the device ID where a client cannot know it yet: in the login.
+constexpr std::string_view kAnyDevice = "xxxx";
+
+struct Target {
+    std::string_view device;
+    std::string_view path;  ///< relative to the device, begins with "/"; empty where the target is not under the base
+    std::string_view query;
+};
+
+Target parseTarget(std::string_view text)
+{
+    Target target;
+    const std::size_t question = text.find('?');
+    if (question != std::string_view::npos) {
+        target.query = text.substr(question + 1);
+    }
+    const std::string_view path = text.substr(0, question);
+    const std::size_t end = startsWith(path, kBase) ? path.find('/', kBase.size()) : std::string_view::npos;
+    if (end != std::string_view::npos) {
+        target.device = path.substr(kBase.size(), end - kBase.size());
+        target.path = path.substr(end);
+    }
+    return target;
+}
+
+std::string journalPath(const Target& target)
+{
+    std::string path(target.path);
+    if (!target.query.empty()) {
+        path += "?" + std::string(target.query);
+    }
+    return percentDecoded(path).value_or(path);
+}
+
+Router allRoutes()
+{
+    Router router;
+    for (const auto add : {addSessionRoutes, addPoolRoutes, addLunRoutes, addSnapshotRoutes, addLunGroupRoutes, addHostRoutes,
+                           addHostGroupRoutes, addMappingViewRoutes, addIscsiInitiatorRoutes, addFcInitiatorRoutes, addPortRoutes}) {
+        add(router);
+    }
+    return router;
+}
+
+WireReply wireReply(unsigned status, const Answer& answer)
+{
+    nlohmann::json body{{"error", {{"code", answer.code}, {"description", answer.text}}}};
+    if (!answer.data.is_null()) {
+        body["data"] = answer.data;
+    }
+    // A description may quote bytes of the client that are no UTF-8.
+    return {status, body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace), {}};
+}
+
+std::string logLine(const JournalEntry& entry, std::chrono::steady_clock::duration duration)
+{
+    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(duration).count();
+    return entry.method + " " + entry.path + " -> " + std::to_string(entry.code) + " (" + std::to_string(micros) + " us)";
+}
+
+/// What the client wrote into a log line must not begin a line of its own.
+std::string oneLine(std::string text)
+{
+    for (char& character : text) {
+        if (hasControlCharacter(std::string_view(&character, 1))) {
+            character = '?';
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+WireReply errorReply(unsigned status, int code, const std::string& text)
+{
+    return wireReply(status, {code, text, nlohmann::json::object()});
+}
+
+RequestPipeline::RequestPipeline(Array& array) : m_array(array), m_router(allRoutes())
+{
+}
+
+WireReply RequestPipeline::handle(const WireRequest& request)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    JournalEntry entry;
+    entry.method = request.method;
+    std::vector<std::pair<std::string, std::string>> headers;
+    Answer result;
+    try {
+        result = answer(request, entry, headers);
+    } catch (const ApiError& error) {
+        result = {error.code(), error.what(), nlohmann::json::object()};
+    } catch (const std::exception& error) {
+        result = {kInternal, std::string("The array could not do it: ") + error.what(), nlohmann::json::object()};
+    }
+    entry.code = result.code;
+    if (m_array.options.requestLog) {
+        m_array.options.requestLog(oneLine(logLine(entry, std::chrono::steady_clock::now() - begin)));
+    }
+    m_journal.add(entry);
+    WireReply reply = wireReply(result.code == kUnknownOperation ? 404 : 200, result);
+    reply.headers = std::move(headers);
+    return reply;
+}
+
+Answer RequestPipeline::answer(const WireRequest& request, JournalEntry& entry, std::vector<std::pair<std::string, std::string>>& headers)
+{
+    const Target target = parseTarget(request.target);
+    entry.path = target.path.empty() ? request.target : journalPath(target);
+    const RouteMatch match = m_router.find(request.method, target.path);
+    if (match.route == nullptr) {
+        throw ApiError(kUnknownOperation, "The array has no operation " + request.method + " " + inQuotes(entry.path) + ".");
+    }
+    entry.operation = match.route->operation();
+    if (const std::optional<Fault> fault = m_faults.take(entry.operation)) {
+        throw ApiError(fault->code, fault->text);
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (match.route->needsSession) {
+        checkSession(request);
+    }
+    if (target.device != m_array.options.deviceId && (match.route->needsSession || target.device != kAnyDevice)) {
+        throw ApiError(kUnknownDevice, "The device " + inQuotes(target.device) + " is not this array.");
+    }
+    RequestContext context{m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id, {}, false, {}};
+    Answer result = run(match.route->handler, context);
+    headers = std::move(context.replyHeaders);
+    return result;
+}
+
+void RequestPipeline::checkSession(const WireRequest& request)
+{
+    if (m_array.sessions.find(request.token, request.cookie) == nullptr) {
+        throw ApiError(kNoSession, "The session is unknown or has expired: log in again.");
+    }
+}
+
+Answer RequestPipeline::run(const Handler& handler, RequestContext& context)
+{
+    bool driverTouched = false;
+    try {
+        Transaction transaction(m_array.database);
+        Answer result = handler(context);
+        if (context.exposureChanged) {
+            updateLunNumbers(m_array.database);
+            driverTouched = true;
+            followExposure(m_array.database);
+        }
+        transaction.commit();
+        driverTouched = false;
+        for (const auto& step : context.afterwards) {
+            step();
+        }
+        return result;
+    } catch (...) {
+        // The database is back at what it was before; what is exposed must follow it.
+        if (driverTouched) {
+            try {
+                followExposure(m_array.database);
+            } catch (const std::exception&) {
+                // The client gets the first failure; the driver tries again with the next change.
+            }
+        }
+        throw;
+    }
+}
+
+void RequestPipeline::followExposure(Database& database)
+{
+    try {
+        m_array.exposure->apply(readExposurePlan(database));
+    } catch (const std::exception& error) {
+        throw ApiError(kExposureFailed, std::string("The volumes could not be exposed: ") + error.what());
+    }
+}
+
+void RequestPipeline::perform(const std::function<void(RequestContext&)>& work)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const WireRequest none;
+    RequestContext context{m_array, none, {}, {}, {}, {}, false, {}};
+    run([&work](RequestContext& inner) {
+        work(inner);
+        return Answer();
+    }, context);
+}
+
+void RequestPipeline::alone(const std::function<void(Array&)>& work)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    work(m_array);
+}
+
+void RequestPipeline::exposeAll()
+{
+    alone([this](Array& array) { followExposure(array.database); });
+}
+
+FaultScript& RequestPipeline::faults()
+{
+    return m_faults;
+}
+
+Journal& RequestPipeline::journal()
+{
+    return m_journal;
+}
+
+const Router& RequestPipeline::router() const
+{
+    return m_router;
+}
+
+} // namespace brevan::sim
