@@ -5,10 +5,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <filesystem>
+#include <memory>
 #include <utility>
 #include <vector>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -68,16 +69,16 @@ bool processLives(pid_t pid)
     return kill(pid, 0) == 0 || errno == EPERM;
 }
 
+/// Not std::filesystem: its iterator ends the process where memory runs out.
 std::vector<OldFile> filesOfEndedProcesses(const std::string& directory, const std::string& tag)
 {
     std::vector<OldFile> files;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(directory, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const auto name = parseLogFileName(entry->path().filename().native());
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(directory.c_str()), &closedir);
+    while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
+        const auto name = parseLogFileName(entry->d_name);
         struct stat status {};
-        if (name && name->tag == tag && !processLives(name->pid) && lstat(entry->path().c_str(), &status) == 0 &&
-            S_ISREG(status.st_mode)) {
+        if (name && name->tag == tag && !processLives(name->pid) &&
+            fstatat(dirfd(entries.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode)) {
             files.push_back({*name, status.st_mtim});
         }
     }

@@ -2,7 +2,6 @@
 
 #include <exception>
 #include <filesystem>
-#include <memory>
 #include <stdexcept>
 #include <string_view>
 
@@ -35,6 +34,13 @@ std::string advice(const char* configFile)
     return textOf(configFile).empty() ? "" : " Name a directory that this user can write under [log] in " + textOf(configFile) + ".";
 }
 
+/// Room for the registry outside the heap, so that making it cannot fail.
+union Undestroyed {
+    Undestroyed() : registry() {}
+    ~Undestroyed() {}  // NOLINT(modernize-use-equals-default): would be deleted
+    LogRegistry registry;
+};
+
 void lockAll()
 {
     LogRegistry::instance().lock();
@@ -52,8 +58,8 @@ void unlockAll()
 
 LogRegistry& LogRegistry::instance()
 {
-    static LogRegistry& registry = *std::make_unique<LogRegistry>().release();
-    return registry;
+    static Undestroyed place;
+    return place.registry;
 }
 
 int LogRegistry::start(const char* tag, const char* configFile, const char* logDirectory) noexcept

@@ -58,7 +58,7 @@ int RotatingFile::open() noexcept
 
 /// Takes the first instance of the name that no other process holds. The lock tells processes apart which have the same
 /// id because they live in different containers.
-int RotatingFile::openOnce() noexcept
+int RotatingFile::openOnce()
 {
     for (; m_name.instance <= kMostInstances; ++m_name.instance) {
         m_fd = openLogFile(path());

@@ -36,7 +36,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     std::string pathOf(unsigned generation) const;
-    int openOnce() noexcept;
+    int openOnce();
     void lookForFile() noexcept;
     int makeRoom(std::size_t bytes) noexcept;
     int rotate() noexcept;

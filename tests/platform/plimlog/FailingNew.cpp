@@ -1,0 +1,52 @@
+#include "FailingNew.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local long t_allocationsLeft = -1;  // below 0: no limit
+
+void* allocate(std::size_t bytes)
+{
+    if (t_allocationsLeft >= 0 && t_allocationsLeft-- == 0) {
+        throw std::bad_alloc();
+    }
+    if (void* memory = std::malloc(bytes > 0 ? bytes : 1)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+}
+
+void* operator new(std::size_t bytes)
+{
+    return allocate(bytes);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace brevan::plimlog {
+
+void failAllocationAfter(long count)
+{
+    t_allocationsLeft = count;
+}
+
+bool allocationHasFailed()
+{
+    const bool failed = t_allocationsLeft < 0;
+    t_allocationsLeft = -1;
+    return failed;
+}
+
+}
