@@ -1,0 +1,147 @@
+#ifndef BREVAN_HANDLERS_RECORDREADER_H
+#define BREVAN_HANDLERS_RECORDREADER_H
+
+#include "handlers/ReplyText.h"
+
+#include <RestResponse.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace brevan {
+
+/// One row of a handler's table: how a key of the reply's record becomes a member of the typed record.
+template <class Record>
+struct Field {
+    const char* key;
+    void (*read)(Record& record, const Json::Value& from, const char* key);
+};
+
+template <class Member>
+struct MemberOf;
+template <class Owner, class Value>
+struct MemberOf<Value Owner::*> {
+    using Record = Owner;
+    using Type = Value;
+};
+
+// The kinds of rows. Each is called with the member that it fills: text<&LunMO::NAME>("NAME").
+
+template <auto Member, auto Convert>
+constexpr auto field(const char* key)
+{
+    using Record = typename MemberOf<decltype(Member)>::Record;
+    using Value = typename MemberOf<decltype(Member)>::Type;
+    return Field<Record>{key, [](Record& record, const Json::Value& from, const char* name) {
+                             record.*Member = static_cast<Value>(Convert(from, name));
+                         }};
+}
+
+template <auto Member>
+constexpr auto text(const char* key)
+{
+    return field<Member, replyText>(key);
+}
+
+template <auto Member>
+constexpr auto number32(const char* key)
+{
+    return field<Member, replyNumber32>(key);
+}
+
+template <auto Member>
+constexpr auto number64(const char* key)
+{
+    return field<Member, replyNumber64>(key);
+}
+
+/// What atoi makes of the text: speeds may be negative.
+template <auto Member>
+constexpr auto signedNumber(const char* key)
+{
+    return field<Member, replySigned>(key);
+}
+
+template <auto Member>
+constexpr auto size64(const char* key)
+{
+    return field<Member, replySize>(key);
+}
+
+template <auto Member>
+constexpr auto type(const char* key)
+{
+    return field<Member, replyType>(key);
+}
+
+template <auto Member>
+constexpr auto flag(const char* key)
+{
+    return field<Member, replyFlag>(key);
+}
+
+/// Text that keeps the member's default where the record does not have the key.
+template <auto Member>
+constexpr auto textIfPresent(const char* key)
+{
+    using Record = typename MemberOf<decltype(Member)>::Record;
+    return Field<Record>{key, [](Record& record, const Json::Value& from, const char* name) {
+                             if (from.isMember(name)) {
+                                 record.*Member = replyText(from, name);
+                             }
+                         }};
+}
+
+inline bool hasId(const Json::Value& record)
+{
+    return record.isObject() && record.isMember("ID");
+}
+
+template <class Record, std::size_t Count>
+Record readRecord(const Json::Value& from, const Field<Record> (&fields)[Count])
+{
+    Record record;
+    for (const Field<Record>& field : fields) {
+        field.read(record, from, field.key);
+    }
+    return record;
+}
+
+/// The first record of a reply; a default record where there is none with an "ID".
+template <class Record, std::size_t Count>
+Record readFirst(const RestResponse& reply, const Field<Record> (&fields)[Count])
+{
+    if (reply.count() == 0) {
+        return Record();
+    }
+    const Json::Value first = reply[0];
+    return hasId(first) ? readRecord(first, fields) : Record();
+}
+
+/// Reads one by one what a list names: the list gives only IDs. Records without an "ID" are skipped.
+template <class ReadOne>
+auto readEach(const RestResponse& list, ReadOne readOne)
+{
+    std::vector<decltype(readOne(std::string()))> records;
+    const unsigned int count = list.count();
+    for (unsigned int index = 0; index < count; ++index) {
+        const Json::Value entry = list[index];
+        if (hasId(entry)) {
+            records.push_back(readOne(replyText(entry, "ID")));
+        }
+    }
+    return records;
+}
+
+/// What the first entry of a list names, or a default record where the list has none.
+template <class ReadOne>
+auto readFirstNamed(const RestResponse& list, ReadOne readOne)
+{
+    const bool named = list.count() != 0 && hasId(list[0]);
+    return named ? readOne(replyText(list[0], "ID")) : decltype(readOne(std::string()))();
+}
+
+}  // namespace brevan
+
+#endif
