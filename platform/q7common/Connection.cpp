@@ -17,10 +17,24 @@ namespace {
 constexpr std::size_t kLargestHead = 256 * 1024;
 constexpr std::size_t kKeptReplyRoom = 256 * 1024;
 
-/// libcurl hands TLS keys to the file that $SSLKEYLOGFILE names. They are secrets of the array's sessions.
-CURLcode withholdKeys(CURL*, void* context, void*) noexcept
+/// Why the certificate of the handshake that runs in this thread was not accepted (an X509_V_ERR number), 0: it was.
+thread_local int trustFaultOfHandshake = 0;
+
+/// libcurl takes some rejected certificates, one with a wrong signature among them, for a broken handshake.
+int noteTrustFault(int isGood, X509_STORE_CTX* store) noexcept
 {
-    SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
+    if (isGood == 0) {
+        trustFaultOfHandshake = X509_STORE_CTX_get_error(store);
+    }
+    return isGood;
+}
+
+CURLcode prepareTls(CURL*, void* data, void*) noexcept
+{
+    auto* context = static_cast<SSL_CTX*>(data);
+    // libcurl hands TLS keys to the file that $SSLKEYLOGFILE names. They are secrets of the array's sessions.
+    SSL_CTX_set_keylog_callback(context, nullptr);
+    SSL_CTX_set_verify(context, SSL_CTX_get_verify_mode(context), &noteTrustFault);
     return CURLE_OK;
 }
 
@@ -75,7 +89,7 @@ void Connection::setTls(const Server& server, const TlsSettings& tls)
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_SSL_VERIFYPEER, tls.verify ? 1L : 0L);
     set(CURLOPT_SSL_VERIFYHOST, tls.verify ? 2L : 0L);
-    set(CURLOPT_SSL_CTX_FUNCTION, &withholdKeys);
+    set(CURLOPT_SSL_CTX_FUNCTION, &prepareTls);
     if (!tls.caFile.empty()) {
         set(CURLOPT_CAINFO, tls.caFile.c_str());
         set(CURLOPT_CAPATH, static_cast<char*>(nullptr));  // only these authorities, not the system's as well
@@ -142,10 +156,13 @@ Delivery Connection::perform(const Message& message)
     wipe(m_reply);
     const SigPipeGuard quiet;
     setMessage(message);
+    trustFaultOfHandshake = 0;
     m_delivery.result = curl_easy_perform(m_handle.get());
+    m_delivery.trustFault = m_delivery.result == CURLE_SSL_CONNECT_ERROR ? trustFaultOfHandshake : 0;
     curl_easy_setopt(m_handle.get(), CURLOPT_POSTFIELDS, nullptr);
     curl_easy_setopt(m_handle.get(), CURLOPT_HTTPHEADER, nullptr);
     curl_easy_getinfo(m_handle.get(), CURLINFO_RESPONSE_CODE, &m_delivery.httpStatus);
+    curl_easy_getinfo(m_handle.get(), CURLINFO_OS_ERRNO, &m_delivery.systemError);
     m_headerLines = nullptr;
     return m_delivery;
 }

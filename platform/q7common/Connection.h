@@ -34,6 +34,8 @@ struct Delivery {
     bool isTooLarge = false;    ///< the reply exceeded the limit
     bool hasReplyHead = false;  ///< the reply's headers were complete
     long httpStatus = 0;
+    int trustFault = 0;    ///< X509_V_ERR number of a certificate that broke the handshake, 0: none
+    long systemError = 0;  ///< errno of a connection that could not be made, 0: none
 };
 
 /// One easy handle, which keeps one connection to one server warm. One thread at a time.

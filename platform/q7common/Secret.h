@@ -11,22 +11,17 @@
 namespace brevan {
 
 /// Wipes memory before it goes back, so that a password does not stay behind in freed blocks, outgrown ones included.
-template <typename T>
+/// `Memory` is where it comes from.
+template <typename T, typename Memory = std::allocator<T>>
 struct CleansingAllocator {
     using value_type = T;
 
-    CleansingAllocator() = default;
-    template <typename U>
-    CleansingAllocator(const CleansingAllocator<U>&) noexcept
-    {
-    }
-
-    T* allocate(std::size_t count) { return std::allocator<T>().allocate(count); }
+    T* allocate(std::size_t count) { return Memory().allocate(count); }
 
     void deallocate(T* place, std::size_t count) noexcept
     {
         OPENSSL_cleanse(place, count * sizeof(T));
-        std::allocator<T>().deallocate(place, count);
+        Memory().deallocate(place, count);
     }
 
     friend bool operator==(const CleansingAllocator&, const CleansingAllocator&) noexcept { return true; }

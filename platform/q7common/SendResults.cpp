@@ -1,13 +1,17 @@
 #include "SendResults.h"
 
+#include <openssl/x509_vfy.h>
+
 #include <algorithm>
 #include <iterator>
+#include <system_error>
 
 namespace brevan {
 
 namespace {
 
 constexpr std::size_t kLongestPath = 300;
+constexpr const char* kLost = "the array closed the connection before it replied";
 
 struct Advice {
     REST_SEND_RESULT_E result;
@@ -27,11 +31,12 @@ constexpr Advice kAdvices[] = {
     {REST_REPLY_TOO_LARGE, "Ask for less at once, or raise reply_megabytes in transport.ini."},
 };
 
-bool isTrustFailure(CURLcode result)
+bool isTrustFailure(const Delivery& delivery)
 {
     constexpr CURLcode kTrustFailures[] = {CURLE_PEER_FAILED_VERIFICATION, CURLE_SSL_PINNEDPUBKEYNOTMATCH,
                                            CURLE_SSL_ISSUER_ERROR, CURLE_SSL_INVALIDCERTSTATUS, CURLE_SSL_CACERT_BADFILE};
-    return std::find(std::begin(kTrustFailures), std::end(kTrustFailures), result) != std::end(kTrustFailures);
+    return delivery.trustFault != 0 ||
+           std::find(std::begin(kTrustFailures), std::end(kTrustFailures), delivery.result) != std::end(kTrustFailures);
 }
 
 }  // namespace
@@ -39,13 +44,14 @@ bool isTrustFailure(CURLcode result)
 REST_SEND_RESULT_E resultOf(const Delivery& delivery)
 {
     if (delivery.result == CURLE_OK) {
-        return REST_ANSWERED;
+        // libcurl takes a connection that ends among the headers for the end of a reply without a body.
+        return delivery.hasReplyHead ? REST_ANSWERED : REST_CONNECTION_LOST;
     }
     if (delivery.isTooLarge || delivery.result == CURLE_FILESIZE_EXCEEDED) {
         return REST_REPLY_TOO_LARGE;
     }
     if (delivery.timesSent == 0) {
-        return isTrustFailure(delivery.result) ? REST_NOT_TRUSTED : REST_NO_CONNECTION;
+        return isTrustFailure(delivery) ? REST_NOT_TRUSTED : REST_NO_CONNECTION;
     }
     if (delivery.result == CURLE_OPERATION_TIMEDOUT) {
         return REST_TIMED_OUT;
@@ -62,9 +68,16 @@ std::string reasonOf(const Delivery& delivery, const char* text)
     // These two come from our own callbacks, which do not let libcurl send a second time.
     const bool isRefusedRepetition = delivery.result == CURLE_ABORTED_BY_CALLBACK || delivery.result == CURLE_COULDNT_CONNECT;
     if (delivery.timesSent > 0 && isRefusedRepetition) {
-        return "the array closed the connection before it replied";
+        return kLost;
     }
-    return text;
+    if (delivery.result == CURLE_OK && !delivery.hasReplyHead) {
+        return kLost;
+    }
+    if (delivery.trustFault != 0) {
+        return std::string("certificate not accepted: ") + X509_verify_cert_error_string(delivery.trustFault);
+    }
+    const bool hasSystemError = delivery.timesSent == 0 && delivery.systemError != 0;
+    return hasSystemError ? text + (" (" + std::generic_category().message(static_cast<int>(delivery.systemError)) + ")") : text;
 }
 
 const char* adviceFor(REST_SEND_RESULT_E result)

@@ -1,19 +1,21 @@
 #include "SettingsFile.h"
 
+#include "FileDescriptor.h"
 #include "SettingTable.h"
 #include "Url.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <ini.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <sstream>
 
@@ -151,11 +153,19 @@ std::string stampOf(const std::string& file)
     return stamp.str();
 }
 
-bool readWhole(const std::string& file, std::string& text)
+/// Reads at most one byte more than the largest file has; 0, or an errno value.
+int readFile(const std::string& file, std::string& text)
 {
-    std::ifstream stream(file, std::ios::binary);
-    text.assign(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-    return stream.good() || (stream.is_open() && stream.eof());
+    const FileDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor.isOpen()) {
+        return errno;
+    }
+    std::array<char, 4096> part;
+    ssize_t count = 0;
+    while (text.size() <= kLargestFile && (count = read(descriptor.get(), part.data(), part.size())) > 0) {
+        text.append(part.data(), static_cast<std::size_t>(count));
+    }
+    return count < 0 ? errno : 0;
 }
 
 std::string fileBesideThisLibrary()
@@ -216,14 +226,14 @@ Settings readSettingsFile(const std::string& file)
         return readSettingsText({}, {});
     }
     std::string text;
-    Settings settings;
-    if (readWhole(file, text) && text.size() <= kLargestFile) {
+    const int fault = readFile(file, text);
+    if (fault == 0 && text.size() <= kLargestFile) {
         return readSettingsText(text, file);
     }
-    settings = defaultSettings();
+    Settings settings = defaultSettings();
     settings.file = file;
     settings.problems.push_back("Transport settings " + file + " cannot be used: " +
-        (text.size() > kLargestFile ? "it is larger than 64 KiB" : std::strerror(errno)));
+        (fault == 0 ? "it is larger than 64 KiB" : std::strerror(fault)));
     return settings;
 }
 

@@ -1,0 +1,118 @@
+#include "platform/q7common/ConnectionPool.h"
+
+#include "TransportFixture.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
+
+namespace brevan {
+namespace {
+
+class Pool : public test::TransportTest {};
+
+TEST_F(Pool, GivesOutTheLastUsedFirst)
+{
+    ConnectionPool pool;
+    const Settings settings = *currentSettings();
+    const Server server{"127.0.0.1", "1"};
+    Connection* last = nullptr;
+    {
+        const ConnectionPool::Lease first = pool.take(server, settings);
+        const ConnectionPool::Lease second = pool.take(server, settings);
+        last = first.operator->();  // leases end in reverse order
+        EXPECT_NE(first.operator->(), second.operator->());
+    }
+    EXPECT_EQ(pool.take(server, settings).operator->(), last);
+}
+
+TEST_F(Pool, KeepsServersAndSettingsApart)
+{
+    ConnectionPool pool;
+    Settings settings = *currentSettings();
+    Connection* first = pool.take({"127.0.0.1", "1"}, settings).operator->();
+    EXPECT_NE(pool.take({"127.0.0.1", "2"}, settings).operator->(), first);
+    ++settings.generation;
+    EXPECT_NE(pool.take({"127.0.0.1", "1"}, settings).operator->(), first);
+}
+
+TEST_F(Pool, ClosesWhatIsIdleForLong)
+{
+    test::TlsServer server(test::identity());
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    ConnectionPool::instance().closeIdle(std::chrono::hours(1));
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    EXPECT_EQ(server.connectionCount(), 1);
+    ConnectionPool::instance().closeIdle(std::chrono::seconds(-1));
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    EXPECT_EQ(server.connectionCount(), 2);
+}
+
+TEST_F(Pool, OpensAtMostOneConnectionAThreadAndOneTlsSessionInAll)
+{
+    const test::TlsServer server(test::identity());
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 8; ++number) {
+        threads.emplace_back([&server] {
+            for (int round = 0; round < 10; ++round) {
+                EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(server.requestCount(), 81U);
+    EXPECT_LE(server.connectionCount(), 8);
+}
+
+TEST_F(Pool, ResumesTheTlsSessionForAFurtherConnection)
+{
+    const test::TlsServer server(test::identity());
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    const SettingsPointer settings = currentSettings();
+    const ConnectionPool::Lease busy = ConnectionPool::instance().take({"127.0.0.1", std::to_string(server.port())}, *settings);
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    EXPECT_EQ(server.connectionCount(), 2);
+    EXPECT_EQ(server.fullHandshakes(), 1);
+}
+
+TEST_F(Pool, OfAChildProcessTouchesNoConnectionOfItsParent)
+{
+    const test::TlsServer server(test::identity());
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isRight = test::get(server.url()).result == REST_ANSWERED && test::get(server.url()).result == REST_ANSWERED;
+        _exit(isRight ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(test::send(server.url(), REST_POST).result, REST_ANSWERED);
+    EXPECT_EQ(server.connectionCount(), 2);
+    EXPECT_EQ(server.requests().back().connection, 1);
+}
+
+TEST_F(Pool, FailsClearlyWithoutDescriptorsAndRecovers)
+{
+    const test::TlsServer server(test::identity());
+    const pid_t child = fork();
+    if (child == 0) {
+        while (dup(0) >= 0) {
+        }
+        const int refused = test::get(server.url()).result;
+        for (int number = 100; number < 200; ++number) {
+            close(number);
+        }
+        _exit(refused == REST_NO_CONNECTION && test::get(server.url()).result == REST_ANSWERED ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+}  // namespace
+}  // namespace brevan
