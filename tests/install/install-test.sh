@@ -128,7 +128,28 @@ startArray() {
         [[ $((tries += 1)) -lt 200 ]] || fail "the array does not listen: $(cat "$work/array")"
         sleep 0.05
     done
+}
+
+stopArray() {
+    kill "$array_pid"
+    wait "$array_pid" || fail "the array ended with status $?: $(cat "$work/array")"
+    array_pid=
+}
+
+# The example that users copy, against an installed array: each trouble has its exit status and its one line.
+checkExample() {
+    local arguments=(--address 127.0.0.1 --port "$(cat "$work/port")" --initiator iqn.2024-01.example:host)
+    run 0 attach_volume --help
+    expectOutput "--initiator"
+    run 2 attach_volume
+    export BREVAN_PASSWORD=wrong
+    run 5 attach_volume "${arguments[@]}"
     printf '[tls]\nca_file = %s\n' "$work/ca.pem" >"$prefix/$libdir/brevan/transport.ini"
+    run 3 attach_volume "${arguments[@]}"
+    expectOutput "cannot log in to 127.0.0.1"
+    BREVAN_PASSWORD=right run 7 attach_volume "${arguments[@]}"
+    stopArray
+    run 4 attach_volume "${arguments[@]}"
 }
 
 step "components"
@@ -136,7 +157,7 @@ checkComponents
 checkSettingsSurvive
 step "installing and moving"
 makePrefix
-programs=("$here/consumer/Consumer.cpp")
+programs=("$here/consumer/Consumer.cpp" "$source_folder/examples/attach_volume.cpp")
 step "building with CMake's package"
 buildWithCMake "${programs[@]}"
 step "building with pkg-config"
@@ -146,4 +167,5 @@ checkHeaders
 step "running"
 checkConsumer
 startArray
+checkExample
 step "passed"
