@@ -1,0 +1,294 @@
+// The main job against the simulated array and a real kernel: runs as root inside the kernel host's guest and nowhere else.
+#include "simulator/ArrayServer.h"
+
+#include <brevan/brevan.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+namespace {
+
+using brevan::lastFailure;
+using brevan::sim::ArrayServer;
+
+constexpr const char* kPassword = "End2End-password";
+constexpr const char* kOtherInitiator = "iqn.2020-01.lab:somebody-else";
+
+/// The standard output of a command that has to succeed.
+std::string run(const std::string& command)
+{
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen((command + " 2>&1").c_str(), "r"), pclose);
+    std::string output;
+    for (int c = 0; (c = std::fgetc(pipe.get())) != EOF;) {
+        output += static_cast<char>(c);
+    }
+    if (pclose(pipe.release()) != 0) {
+        throw std::runtime_error(command + " failed: " + output);
+    }
+    return output;
+}
+
+std::string ownInitiator()
+{
+    std::ifstream file("/etc/iscsi/initiatorname.iscsi");
+    std::string line;
+    std::getline(file, line);
+    return line.substr(line.find('=') + 1);
+}
+
+void waitForNewSecond()
+{
+    using namespace std::chrono;
+    std::this_thread::sleep_until(time_point_cast<seconds>(system_clock::now()) + seconds(1) + milliseconds(5));
+}
+
+brevan::sim::ServerOptions arrayOptions(const std::string& folder)
+{
+    std::filesystem::create_directories(folder + "/volumes");
+    brevan::sim::ServerOptions options;
+    options.password = kPassword;
+    options.caFile = folder + "/ca.pem";
+    options.volumeDirectory = folder + "/volumes";
+    options.iscsiInitiators = {ownInitiator(), kOtherInitiator};
+    return options;
+}
+
+/// From now on the transport trusts that array.
+void trust(const ArrayServer& array)
+{
+    const std::string file = "/tmp/transport.ini";
+    std::ofstream(file) << "[tls]\nca_file = " << array.caFile() << "\n";
+    setenv("BREVAN_TRANSPORT_CONFIG", file.c_str(), 1);
+}
+
+struct Release {
+    void operator()(CDeviceManager* manager) const { CDeviceManager::releaseInstance(manager); }
+};
+
+/// A device manager, and short ways to what a test calls.
+struct Client {
+    std::unique_ptr<CDeviceManager, Release> manager{CDeviceManager::getInstance()};
+
+    int login(const ArrayServer& array, const std::string& password = kPassword)
+    {
+        return manager->loginDevice(array.address(), array.port(), "admin", password, USERTYPE_LOCAL);
+    }
+
+    template <class Handler>
+    Handler& get(HANDLERTYPE type)
+    {
+        return *static_cast<Handler*>(manager->getHandler(type));
+    }
+
+    LunMO createLun()
+    {
+        static int number = 0;
+        LunMO wanted;
+        wanted.NAME = "e2e_" + std::to_string(++number);
+        wanted.PARENTID = "0";
+        wanted.CAPACITY = 64ULL << 20;
+        wanted.ALLOCTYPE = 1;
+        wanted.ALLOCCAPACITY = 1ULL << 20;
+        return get<CLunHandler>(HANDLER_LUN).createLun(wanted);
+    }
+
+    int attach(const std::string& lunId, const std::string& initiator = ownInitiator())
+    {
+        return get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).attachLunToHost(lunId, initiator, "127.0.0.1");
+    }
+
+    std::string scan(std::string lunId) { return get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(lunId); }
+
+    void detach(std::string lunId)
+    {
+        get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunBeforeDetach(lunId);
+        get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).detachLunFromHost(lunId, ownInitiator());
+    }
+
+    std::string hostOfInitiator()
+    {
+        return get<CIscsiInitiatorHandler>(HANDLER_ISCSI_INITIATOR).getIscsiInitiator(ownInitiator()).PARENTID;
+    }
+};
+
+/// One array with the kernel's iSCSI target behind it, to which this host is logged in, for all tests; a session for each.
+class EndToEnd : public testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        auto options = arrayOptions("/tmp/array");
+        options.exposure = brevan::sim::Exposure::kLio;
+        array = std::make_unique<ArrayServer>(options);
+        array->start();
+        run("iscsiadm -m discovery -t st -p 127.0.0.1");
+        run("iscsiadm -m node --login");
+    }
+
+    static void TearDownTestSuite()
+    {
+        run("iscsiadm -m session -u");
+        array.reset();
+    }
+
+    void SetUp() override
+    {
+        trust(*array);
+        ASSERT_EQ(client.login(*array), 1) << lastFailure().text;
+    }
+
+    /// Whether the array shows the volume to this host.
+    static bool isExposed(const std::string& wwn)
+    {
+        for (const auto& [number, volume] : array->exposed()[ownInitiator()]) {
+            if (volume.wwn == wwn) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static std::unique_ptr<ArrayServer> array;
+    Client client;
+};
+
+std::unique_ptr<ArrayServer> EndToEnd::array;
+
+/// The host forgets a disk that was detached: by hand, since the array cannot make it.
+void deleteDisk(const std::string& wwn)
+{
+    run("echo 1 >/sys/block/$(basename $(readlink /dev/disk/by-id/wwn-0x" + wwn + "))/device/delete && udevadm settle");
+}
+
+TEST_F(EndToEnd, FindsTheDiskOfAnAttachedLunAndDetachesIt)
+{
+    const LunMO lun = client.createLun();
+    waitForNewSecond();
+    ASSERT_EQ(client.attach(lun.ID), 0);
+    ASSERT_TRUE(lastFailure().empty()) << lastFailure().text;
+    const std::string path = client.scan(lun.ID);
+    ASSERT_NE(path, "") << lastFailure().text;
+    EXPECT_TRUE(isExposed(lun.WWN));
+    EXPECT_NE(run("sg_inq -p 0x83 " + path).find(lun.WWN), std::string::npos);
+    client.detach(lun.ID);
+    EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
+    EXPECT_FALSE(isExposed(lun.WWN));
+    deleteDisk(lun.WWN);
+    EXPECT_EQ(client.scan(lun.ID), "");
+    EXPECT_EQ(client.manager->logoutDevice(), 1);
+}
+
+TEST_F(EndToEnd, RefusesAWrongPassword)
+{
+    Client other;
+    EXPECT_EQ(other.login(*array, "wrong"), 0);
+    EXPECT_EQ(lastFailure().operation, "loginDevice");
+    EXPECT_NE(lastFailure().text.find("Login device fail,err msg:"), std::string::npos) << lastFailure().text;
+}
+
+TEST_F(EndToEnd, TellsThatTheSessionIsGone)
+{
+    const LunMO lun = client.createLun();
+    array->endAllSessions();
+    EXPECT_EQ(client.attach(lun.ID), 0);
+    EXPECT_EQ(lastFailure().code, brevan::FAILURE_SESSION_EXPIRED);
+    EXPECT_EQ(lastFailure().advice, "Log in again.");
+    EXPECT_EQ(client.scan(lun.ID), "");
+    EXPECT_EQ(lastFailure().code, brevan::FAILURE_SESSION_EXPIRED);
+    ASSERT_EQ(client.login(*array), 1);
+    EXPECT_EQ(client.get<CLunHandler>(HANDLER_LUN).getLun(lun.ID).ID, lun.ID);
+}
+
+TEST_F(EndToEnd, TellsThatTheArrayHasStopped)
+{
+    ArrayServer brief(arrayOptions("/tmp/brief"));
+    brief.start();
+    trust(brief);
+    Client other;
+    ASSERT_EQ(other.login(brief), 1) << lastFailure().text;
+    const LunMO lun = other.createLun();
+    brief.stop();
+    EXPECT_EQ(other.attach(lun.ID), 0);
+    EXPECT_EQ(lastFailure().code, brevan::FAILURE_NO_CONNECTION) << lastFailure().text;
+    EXPECT_THROW(other.get<CLunHandler>(HANDLER_LUN).getLun(lun.ID), PlimAPIException);
+}
+
+TEST_F(EndToEnd, ReturnsOneForALunThatIsMapped)
+{
+    const LunMO lun = client.createLun();
+    waitForNewSecond();
+    ASSERT_EQ(client.attach(lun.ID), 0);
+    const auto before = array->requestCount();
+    waitForNewSecond();
+    EXPECT_EQ(client.attach(lun.ID), 1);
+    EXPECT_EQ(lastFailure().text, "The MappingView was already existed! attachLunToHost");
+    for (const auto& entry : array->journal()) {
+        EXPECT_TRUE(entry.number <= before || entry.method == "GET") << entry.method << " " << entry.path;
+    }
+}
+
+TEST_F(EndToEnd, TellsThatALunIsUnknown)
+{
+    EXPECT_EQ(client.attach("999999"), 0);
+    EXPECT_EQ(lastFailure().operation, "getLun");
+    EXPECT_EQ(client.scan("999999"), "");
+    EXPECT_EQ(lastFailure().operation, "getLun");
+}
+
+TEST_F(EndToEnd, KeepsTheHostOfAnInitiatorThatIsBound)
+{
+    const LunMO first = client.createLun();
+    const LunMO second = client.createLun();
+    waitForNewSecond();
+    ASSERT_EQ(client.attach(first.ID), 0);
+    const std::string host = client.hostOfInitiator();
+    waitForNewSecond();
+    ASSERT_EQ(client.attach(second.ID), 0);
+    ASSERT_TRUE(lastFailure().empty()) << lastFailure().text;
+    EXPECT_EQ(client.hostOfInitiator(), host);
+    EXPECT_NE(client.scan(second.ID), "") << lastFailure().text;
+}
+
+TEST_F(EndToEnd, FailsTheSecondAttachOfASecond)
+{
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        const LunMO first = client.createLun();
+        const LunMO second = client.createLun();
+        waitForNewSecond();
+        const std::time_t begun = std::time(nullptr);
+        ASSERT_EQ(client.attach(first.ID), 0);
+        const bool firstFailed = !lastFailure().empty();
+        ASSERT_EQ(client.attach(second.ID), 0);
+        const brevan::Failure why = lastFailure();
+        ASSERT_FALSE(firstFailed);
+        if (std::time(nullptr) != begun) {
+            continue;  // a slow moment of this machine: the two were not in one second
+        }
+        EXPECT_EQ(why.operation, "createLunGroup") << why.text;
+        waitForNewSecond();
+        EXPECT_EQ(client.attach(second.ID), 0);
+        EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
+        return;
+    }
+    FAIL() << "two attaches never fitted into one second";
+}
+
+TEST_F(EndToEnd, ReturnsNoPathForADiskThatNeverShowsUp)
+{
+    const LunMO lun = client.createLun();
+    waitForNewSecond();
+    ASSERT_EQ(client.attach(lun.ID, kOtherInitiator), 0);
+    ASSERT_TRUE(lastFailure().empty()) << lastFailure().text;
+    EXPECT_EQ(client.scan(lun.ID), "");
+    EXPECT_NE(lastFailure().text.find(lun.WWN), std::string::npos) << lastFailure().text;
+}
+
+}  // namespace
