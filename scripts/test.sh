@@ -58,7 +58,6 @@ say "packages"
 installPackages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" ${all:+$(extendedPackages)}
 for preset in "${presets[@]}"; do buildPreset "$preset"; done
 if [[ -z $label || $label == kernel_host ]] && [[ " ${presets[*]} " =~ " release " || " ${presets[*]} " =~ " dev " ]]; then
-    say "kernel host: unpacking, once"
     "$TOP/tests/kernel_host/run-in-guest.sh" --prepare
 fi
 gatherTests

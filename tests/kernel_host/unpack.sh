@@ -47,6 +47,7 @@ fillGuestRoot() {                            # FOLDER
 makeGuestRoot() {                            # under the exclusive lock
     local part=$CACHE/part log=$CACHE/unpack.log
     [[ $(dpkg --print-architecture) == amd64 ]] || fail "the kernel host runs on amd64 only"
+    say "kernel host: downloading and unpacking its kernel and tools (about 50 MB, once)" >&2
     rm -rf "$part" "$CACHE"/root-*
     mkdir -p "$part"
     if ! fillGuestRoot "$part" >"$log" 2>&1; then
