@@ -31,7 +31,7 @@ void writeQuietly(const std::string& line)
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-}
+}  // namespace
 
 void Complaints::say(const std::string& text) noexcept
 {
@@ -47,4 +47,4 @@ void Complaints::say(const std::string& text) noexcept
     }
 }
 
-}
+}  // namespace brevan::plimlog

@@ -16,6 +16,6 @@ private:
     std::set<std::string> m_said;
 };
 
-}
+}  // namespace brevan::plimlog
 
 #endif

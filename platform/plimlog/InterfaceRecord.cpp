@@ -53,7 +53,7 @@ std::optional<long long> milliseconds(std::string_view text)
     return static_cast<long long>(timegm(&parts)) * 1000 + numberAt(text, 20, 3);
 }
 
-}
+}  // namespace
 
 std::optional<long long> durationMs(const char* start, const char* end)
 {
@@ -68,10 +68,21 @@ std::string interfaceRecord(const InterfaceCall& call, bool succeeded, pid_t pro
     const std::string durationText = duration ? std::to_string(*duration) : "-";
     const std::string processText = std::to_string(process);
     const std::string threadText = std::to_string(thread);
-    const std::string_view fields[] = {
-        textOf(call.start), textOf(call.end), durationText, succeeded ? "INFO" : "ERROR", textOf(call.code),
-        textOf(call.operation), textOf(call.interfaceType), processText, threadText, textOf(call.tag),
-        textOf(call.reserved3), textOf(call.reserved5), textOf(call.reserved6), textOf(call.reserved7), textOf(call.reserved11)};
+    const std::string_view fields[] = {textOf(call.start),
+                                       textOf(call.end),
+                                       durationText,
+                                       succeeded ? "INFO" : "ERROR",
+                                       textOf(call.code),
+                                       textOf(call.operation),
+                                       textOf(call.interfaceType),
+                                       processText,
+                                       threadText,
+                                       textOf(call.tag),
+                                       textOf(call.reserved3),
+                                       textOf(call.reserved5),
+                                       textOf(call.reserved6),
+                                       textOf(call.reserved7),
+                                       textOf(call.reserved11)};
     std::string record;
     for (const std::string_view& field : fields) {
         record += LineText(field).view();
@@ -81,4 +92,4 @@ std::string interfaceRecord(const InterfaceCall& call, bool succeeded, pid_t pro
     return record;
 }
 
-}
+}  // namespace brevan::plimlog

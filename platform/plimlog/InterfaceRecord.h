@@ -30,6 +30,6 @@ std::string interfaceRecord(const InterfaceCall& call, bool succeeded, pid_t pro
 /// earlier one. Both are local times, so an operation during which the clock was put forward or back is off by that much.
 std::optional<long long> durationMs(const char* start, const char* end);
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -103,7 +103,7 @@ bool isPlain(std::string_view text)
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f && c != '\\'; });
 }
 
-}
+}  // namespace
 
 LineText::LineText(std::string_view text) : m_view(text)
 {
@@ -121,4 +121,4 @@ LineText::LineText(std::string_view text) : m_view(text)
     m_view = m_escaped;
 }
 
-}
+}  // namespace brevan::plimlog

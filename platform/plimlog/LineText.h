@@ -25,6 +25,6 @@ private:
     std::string_view m_view;  // into m_escaped, or into the caller's text, which has to outlive this
 };
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -35,7 +35,8 @@ public:
 void appendLevel(const spdlog::details::log_msg& message, spdlog::memory_buf_t& out)
 {
     // As wide as the widest, so that the messages stand below each other.
-    static constexpr std::string_view kNames[level::n_levels] = {"TRACE", "DEBUG", "INFO ", "WARN ", "ERROR", "FATAL", "OFF  "};
+    static constexpr std::string_view kNames[level::n_levels] = {"TRACE", "DEBUG", "INFO ", "WARN ",
+                                                                 "ERROR", "FATAL", "OFF  "};
     out.append(kNames[message.level].begin(), kNames[message.level].end());
 }
 
@@ -84,7 +85,7 @@ private:
     int m_error = 0;
 };
 
-}
+}  // namespace
 
 struct LogChannel::Impl {
     Impl(const std::string& directory, const LogFileName& name, const ChannelSettings& settings)
@@ -122,4 +123,4 @@ std::string LogChannel::path() const
     return m_impl->sink->file().path();
 }
 
-}
+}  // namespace brevan::plimlog

@@ -32,6 +32,6 @@ private:
     std::unique_ptr<Impl> m_impl;
 };
 
-}
+}  // namespace brevan::plimlog
 
 #endif

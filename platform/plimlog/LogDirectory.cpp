@@ -93,7 +93,7 @@ bool ownerHoldsLock(const std::string& directory, LogFileName name)
     return file.get() >= 0 && flock(file.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }
 
-}
+}  // namespace
 
 int makeDirectory(const std::string& path) noexcept
 {
@@ -165,4 +165,4 @@ int openLogFile(const std::string& path) noexcept
     return file.get() >= kFirstFreeDescriptor ? file.release() : fcntl(file.get(), F_DUPFD_CLOEXEC, kFirstFreeDescriptor);
 }
 
-}
+}  // namespace brevan::plimlog

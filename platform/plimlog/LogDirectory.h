@@ -19,6 +19,6 @@ int readSmallFile(const std::string& path, std::size_t limit, std::string& text)
 /// where an application whose own are closed would write into it. The descriptor, or -1 with errno set.
 int openLogFile(const std::string& path) noexcept;
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -52,7 +52,7 @@ bool readKind(std::string_view text, LogFileName& name)
     return kind != std::end(kKinds);
 }
 
-}
+}  // namespace
 
 std::string LogFileName::text() const
 {
@@ -105,4 +105,4 @@ std::string namePart(std::string_view text)
     return out;
 }
 
-}
+}  // namespace brevan::plimlog

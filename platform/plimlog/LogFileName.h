@@ -16,7 +16,7 @@ struct LogFileName {
     std::string tag;      // as namePart() made it
     std::string program;  // as namePart() made it
     pid_t pid = 0;
-    unsigned instance = 1;    // 2 and up where the same id is in use twice ("<pid>-2"), as happens with containers
+    unsigned instance = 1;  // 2 and up where the same id is in use twice ("<pid>-2"), as happens with containers
     LogKind kind = LogKind::Run;
     unsigned generation = 0;  // 0: the one being written; the larger, the older
 
@@ -32,6 +32,6 @@ std::string namePart(std::string_view text);
 /// Longest tag, in bytes, of which a file name can be made whatever it holds.
 constexpr std::size_t kLongestTag = 40;
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -31,7 +31,9 @@ std::string chooseDirectory(const LogSettings& settings, const char* logDirector
 
 std::string advice(const char* configFile)
 {
-    return textOf(configFile).empty() ? "" : " Name a directory that this user can write under [log] in " + textOf(configFile) + ".";
+    return textOf(configFile).empty()
+               ? ""
+               : " Name a directory that this user can write under [log] in " + textOf(configFile) + ".";
 }
 
 /// Room for the registry outside the heap, so that making it cannot fail.
@@ -54,7 +56,7 @@ void unlockAll()
 /// Done when the library is loaded, so that no fork can come between.
 [[maybe_unused]] const int kForkHandlers = pthread_atfork(lockAll, unlockAll, unlockAll);
 
-}
+}  // namespace
 
 LogRegistry& LogRegistry::instance()
 {
@@ -131,4 +133,4 @@ TagLog* LogRegistry::find(const char* tag)
     return found != m_logs.end() ? &found->second : nullptr;
 }
 
-}
+}  // namespace brevan::plimlog

@@ -44,6 +44,6 @@ private:
     std::map<std::string, TagLog, std::less<>> m_logs;
 };
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -188,7 +188,7 @@ void SettingsReader::take(const std::string& section, const std::string& name, s
     }
 }
 
-}
+}  // namespace
 
 LogSettings readLogSettings(const char* path)
 {
@@ -216,4 +216,4 @@ std::vector<std::string> logSettingNames()
     return names;
 }
 
-}
+}  // namespace brevan::plimlog

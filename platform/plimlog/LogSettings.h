@@ -31,6 +31,6 @@ LogSettings readLogSettings(const char* path);
 /// "section.name" of every setting, for the test that each is documented.
 std::vector<std::string> logSettingNames();
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -39,14 +39,14 @@ void Log_Interface_Info(const char* tag, const char* interfaceType, const char* 
                         const char* reserved5, const char* reserved6, const char* reserved7, const char* start,
                         const char* end, const char* code, const char* reserved11)
 {
-    LogRegistry::instance().record({tag, interfaceType, reserved3, operation, reserved5, reserved6, reserved7, start, end, code,
-                                    reserved11}, true);
+    LogRegistry::instance().record(
+        {tag, interfaceType, reserved3, operation, reserved5, reserved6, reserved7, start, end, code, reserved11}, true);
 }
 
 void Log_Interface_Error(const char* tag, const char* interfaceType, const char* reserved3, const char* operation,
                          const char* reserved5, const char* reserved6, const char* reserved7, const char* start,
                          const char* end, const char* code, const char* reserved11)
 {
-    LogRegistry::instance().record({tag, interfaceType, reserved3, operation, reserved5, reserved6, reserved7, start, end, code,
-                                    reserved11}, false);
+    LogRegistry::instance().record(
+        {tag, interfaceType, reserved3, operation, reserved5, reserved6, reserved7, start, end, code, reserved11}, false);
 }

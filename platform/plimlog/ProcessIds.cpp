@@ -29,7 +29,7 @@ CachedId* mapCachedId() noexcept
 
 CachedId* const kCachedId = mapCachedId();
 
-}
+}  // namespace
 
 pid_t currentProcessId() noexcept
 {
@@ -62,4 +62,4 @@ std::string programName()
     return name != nullptr && *name != '\0' ? name : "unnamed";
 }
 
-}
+}  // namespace brevan::plimlog

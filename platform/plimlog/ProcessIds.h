@@ -16,6 +16,6 @@ pid_t currentThreadId() noexcept;
 /// The name under which this program was started, without its folder.
 std::string programName();
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -26,11 +26,14 @@ std::uint64_t withinProcessLimit(std::uint64_t bytes) noexcept
     return getrlimit(RLIMIT_FSIZE, &limit) == 0 ? std::min<std::uint64_t>(bytes, limit.rlim_cur) : bytes;
 }
 
-}
+}  // namespace
 
 RotatingFile::RotatingFile(std::string directory, LogFileName name, std::uint64_t maxBytes, unsigned maxFiles)
-    : m_directory(std::move(directory)), m_name(std::move(name)), m_maxBytes(withinProcessLimit(maxBytes)),
-      m_maxFiles(maxFiles), m_owner(currentProcessId())
+    : m_directory(std::move(directory)),
+      m_name(std::move(name)),
+      m_maxBytes(withinProcessLimit(maxBytes)),
+      m_maxFiles(maxFiles),
+      m_owner(currentProcessId())
 {
 }
 
@@ -181,4 +184,4 @@ std::string RotatingFile::pathOf(unsigned generation) const
     return m_directory + "/" + name.text();
 }
 
-}
+}  // namespace brevan::plimlog

@@ -11,8 +11,8 @@
 namespace brevan::plimlog {
 
 /// One log file of this process with its older generations. The file is opened by the first line, again when it or its
-/// directory was removed (looked for every kLookInterval), and moved aside when it is full. Whole lines only: a line that does not fit on the disk leaves
-/// nothing behind. One thread at a time.
+/// directory was removed (looked for every kLookInterval), and moved aside when it is full. Whole lines only: a line that
+/// does not fit on the disk leaves nothing behind. One thread at a time.
 class RotatingFile {
 public:
     /// A look costs a system call, too much for every line. What is written in between goes with the removed file.
@@ -54,6 +54,6 @@ private:
     Clock::time_point m_nextLook{};
 };
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -17,7 +17,7 @@ std::string errorText(int error)
     return std::generic_category().message(error);
 }
 
-}
+}  // namespace
 
 TagLog::TagLog(const std::string& tag, std::string directory, LogSettings settings, Complaints& complaints)
     : m_tagPart(namePart(tag)), m_directory(std::move(directory)), m_settings(std::move(settings)), m_complaints(complaints)
@@ -101,4 +101,4 @@ void TagLog::reportLost()
     }
 }
 
-}
+}  // namespace brevan::plimlog

@@ -42,6 +42,6 @@ private:
     int m_lostError = 0;
 };
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -47,17 +47,18 @@ TEST(Complaints, EndAfterAHundredTexts)
 TEST(Complaints, DoNotEndAProcessWhoseStandardErrorNobodyReads)
 {
     EXPECT_EQ(inChild([] {
-        signal(SIGPIPE, SIG_DFL);
-        int ends[2];
-        ASSERT_EQ(pipe(ends), 0);
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[0]);
-        Complaints().say("nobody hears this");
-        sigset_t pending;
-        sigpending(&pending);
-        EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
-    }), 0);
+                  signal(SIGPIPE, SIG_DFL);
+                  int ends[2];
+                  ASSERT_EQ(pipe(ends), 0);
+                  dup2(ends[1], STDERR_FILENO);
+                  close(ends[0]);
+                  Complaints().say("nobody hears this");
+                  sigset_t pending;
+                  sigpending(&pending);
+                  EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+              }),
+              0);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -78,5 +78,5 @@ TEST(DiskFull, LosesWholeLinesCountsThemAndGoesOnWhenThereIsRoom)
     EXPECT_EQ(status, 0);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

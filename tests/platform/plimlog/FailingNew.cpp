@@ -18,7 +18,7 @@ void* allocate(std::size_t bytes)
     throw std::bad_alloc();
 }
 
-}
+}  // namespace
 
 void* operator new(std::size_t bytes)
 {
@@ -49,4 +49,4 @@ bool allocationHasFailed()
     return failed;
 }
 
-}
+}  // namespace brevan::plimlog

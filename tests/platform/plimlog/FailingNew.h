@@ -9,6 +9,6 @@ void failAllocationAfter(long count);
 /// Whether it has failed since; takes a failure back that did not come about.
 bool allocationHasFailed();
 
-}
+}  // namespace brevan::plimlog
 
 #endif

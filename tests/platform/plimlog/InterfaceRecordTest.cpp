@@ -58,5 +58,5 @@ TEST(InterfaceRecord, GivesNoDurationWhereATimeIsNoneOrTheClockWasPutBack)
     EXPECT_FALSE(durationMs(kStart, "2021-03-04 05:06:0x 089"));
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

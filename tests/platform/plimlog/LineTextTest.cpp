@@ -59,9 +59,9 @@ TEST(LineText, KeepsOtherUtf8)
 TEST(LineText, EscapesBytesThatAreNoUtf8)
 {
     EXPECT_EQ(escaped("a\xff\xfe\x80z"), "a\\xff\\xfe\\x80z");
-    EXPECT_EQ(escaped("\xc0\x8a"), "\\xc0\\x8a");                  // a newline in two bytes
-    EXPECT_EQ(escaped("\xe0\x80\x8a"), "\\xe0\\x80\\x8a");         // and in three
-    EXPECT_EQ(escaped("\xed\xa0\x80"), "\\xed\\xa0\\x80");         // half of a surrogate pair
+    EXPECT_EQ(escaped("\xc0\x8a"), "\\xc0\\x8a");                    // a newline in two bytes
+    EXPECT_EQ(escaped("\xe0\x80\x8a"), "\\xe0\\x80\\x8a");           // and in three
+    EXPECT_EQ(escaped("\xed\xa0\x80"), "\\xed\\xa0\\x80");           // half of a surrogate pair
     EXPECT_EQ(escaped("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");  // beyond the last code
 }
 
@@ -78,5 +78,5 @@ TEST(LineText, CutsALongTextAndSaysHowMuchIsMissing)
     EXPECT_EQ(escaped(text.substr(0, kLongestText)), text.substr(0, kLongestText));
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

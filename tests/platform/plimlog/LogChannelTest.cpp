@@ -22,7 +22,8 @@ LogFileName nameOf(LogKind kind)
 
 std::string digitsBlotted(std::string text)
 {
-    std::replace_if(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
     return text;
 }
 
@@ -84,5 +85,5 @@ TEST(LogChannel, SaysWhyALineCouldNotBeWritten)
     EXPECT_EQ(channel.write(LogLevel::Error, "text"), ENOTDIR);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -122,11 +122,12 @@ TEST(LogDirectory, TakesNoStandardDescriptorForALog)
 {
     const TestFolder folder;
     EXPECT_EQ(inChild([&] {
-        close(STDIN_FILENO);
-        EXPECT_GT(openLogFile(folder / "file"), STDERR_FILENO);
-        EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
-    }), 0);
+                  close(STDIN_FILENO);
+                  EXPECT_GT(openLogFile(folder / "file"), STDERR_FILENO);
+                  EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+              }),
+              0);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -54,10 +54,11 @@ TEST(LogDocument, HasALineThatPrintsTheSlowestOperations)
     LogFini("Test");
     const std::string line = documentLine("awk ");
     ASSERT_EQ(std::system(("cd " + folder.path() + " && " + line + " > output").c_str()), 0) << line;
-    EXPECT_EQ(readFile(folder / "output"), "10000 ms slowest code 0 began 2021-03-04 05:06:07 000\n"
-                                           "800 ms slow code 0 began 2021-03-04 05:06:07 000\n"
-                                           "9 ms quick code 0 began 2021-03-04 05:06:07 000\n");
+    EXPECT_EQ(readFile(folder / "output"),
+              "10000 ms slowest code 0 began 2021-03-04 05:06:07 000\n"
+              "800 ms slow code 0 began 2021-03-04 05:06:07 000\n"
+              "9 ms quick code 0 began 2021-03-04 05:06:07 000\n");
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

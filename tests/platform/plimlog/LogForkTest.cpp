@@ -25,8 +25,9 @@ protected:
     std::vector<std::string> runLog(pid_t process) const { return linesOf(logPath(m_folder / "logs", process, "run.log")); }
 
     TestFolder m_folder;
-    std::string m_config = m_folder.write("Brevan_API.ini", "[log]\ndirectory = logs\n"
-                                                            "[run]\nmax_file_size_kib = 512\nmax_files = 100\n");
+    std::string m_config = m_folder.write("Brevan_API.ini",
+                                          "[log]\ndirectory = logs\n"
+                                          "[run]\nmax_file_size_kib = 512\nmax_files = 100\n");
 };
 
 TEST_F(LoggingProcess, GetsFilesOfItsOwnAfterFork)
@@ -89,7 +90,8 @@ TEST_F(LoggingProcess, LosesAndTearsNoLineNextToSevenOthers)
         for (int generation = 100; generation >= 0; --generation) {
             const std::string end = generation > 0 ? "run." + std::to_string(generation) + ".log" : "run.log";
             for (const std::string& line : linesOf(logPath(m_folder / "logs", child, end))) {
-                const std::string expected = " " + std::to_string(child) + " " + std::to_string(child) + " " + std::to_string(next++);
+                const std::string expected =
+                    " " + std::to_string(child) + " " + std::to_string(child) + " " + std::to_string(next++);
                 ASSERT_THAT(line.substr(29), expected) << end;
             }
         }
@@ -97,5 +99,5 @@ TEST_F(LoggingProcess, LosesAndTearsNoLineNextToSevenOthers)
     }
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

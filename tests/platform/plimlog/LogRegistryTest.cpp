@@ -77,9 +77,10 @@ TEST_F(LogStart, FailsWithOneLineThatSaysWhatToDo)
     EXPECT_EQ(m_registry.start("Test", "/nonexistent/Brevan_API.ini", blocked.c_str()), -1);
     EXPECT_EQ(m_registry.start("Test", "/nonexistent/Brevan_API.ini", blocked.c_str()), -1);
     m_registry.run("Test", LogLevel::Error, "nowhere");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "libPlimLogAPI: the log of \"Test\" is off: cannot write " + logPath(blocked, getpid(), "run.log") +
-                  ": Not a directory. Name a directory that this user can write under [log] in /nonexistent/Brevan_API.ini.\n");
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        "libPlimLogAPI: the log of \"Test\" is off: cannot write " + logPath(blocked, getpid(), "run.log") +
+            ": Not a directory. Name a directory that this user can write under [log] in /nonexistent/Brevan_API.ini.\n");
     EXPECT_THAT(namesIn(m_folder.path()), ElementsAre("file"));
 }
 
@@ -127,8 +128,9 @@ TEST_F(LogStart, NamesABadSettingOnStandardErrorAndInTheRunLog)
     const std::string ini = m_folder.write("Brevan_API.ini", "[run]\nlevel = loud\n");
     testing::internal::CaptureStderr();
     EXPECT_EQ(m_registry.start("Test", ini.c_str(), folderPath().c_str()), 0);
-    const std::string complaint = ini + ": setting \"level\" in section [run] cannot be \"loud\", only debug, info, warn, "
-                                        "error or off; the default is used.";
+    const std::string complaint = ini +
+                                  ": setting \"level\" in section [run] cannot be \"loud\", only debug, info, warn, "
+                                  "error or off; the default is used.";
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "libPlimLogAPI: " + complaint + "\n");
     EXPECT_THAT(runLog(), ElementsAre(EndsWith(complaint)));
 }
@@ -136,14 +138,15 @@ TEST_F(LogStart, NamesABadSettingOnStandardErrorAndInTheRunLog)
 TEST_F(LogStart, KeepsADirectoryThatWasGivenRelativeWhenTheApplicationMoves)
 {
     EXPECT_EQ(inChild([&] {
-        ASSERT_EQ(chdir(m_folder.path().c_str()), 0);
-        EXPECT_EQ(m_registry.start("Test", nullptr, "here"), 0);
-        ASSERT_EQ(chdir("/"), 0);
-        unlink(logPath(m_folder / "here", getpid(), "run.log").c_str());
-        std::this_thread::sleep_for(std::chrono::milliseconds(120));
-        m_registry.run("Test", LogLevel::Info, "text");
-        EXPECT_EQ(linesOf(logPath(m_folder / "here", getpid(), "run.log")).size(), 1U);
-    }), 0);
+                  ASSERT_EQ(chdir(m_folder.path().c_str()), 0);
+                  EXPECT_EQ(m_registry.start("Test", nullptr, "here"), 0);
+                  ASSERT_EQ(chdir("/"), 0);
+                  unlink(logPath(m_folder / "here", getpid(), "run.log").c_str());
+                  std::this_thread::sleep_for(std::chrono::milliseconds(120));
+                  m_registry.run("Test", LogLevel::Info, "text");
+                  EXPECT_EQ(linesOf(logPath(m_folder / "here", getpid(), "run.log")).size(), 1U);
+              }),
+              0);
 }
 
 TEST_F(LogStart, LosesAndTearsNoLineOfManyThreads)
@@ -186,5 +189,5 @@ TEST_F(LogStart, CanHappenWhileOtherThreadsLog)
     writer.join();
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

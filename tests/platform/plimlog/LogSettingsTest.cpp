@@ -46,9 +46,10 @@ TEST(LogSettings, AreTheDefaultsWithoutAWordWhereThereIsNoFile)
 
 TEST(LogSettings, AreAllRead)
 {
-    const LogSettings settings = settingsOf("[log]\ndirectory = /var/x/\nkeep_old_files = 0 ; none\n"
-                                            "[run]\nlevel = debug\nmax_file_size_kib = 128\nmax_files = 1\n"
-                                            "[interface]\r\nlevel=off\r\nmax_file_size_kib: 1048576\r\nmax_files=100\r\n");
+    const LogSettings settings = settingsOf(
+        "[log]\ndirectory = /var/x/\nkeep_old_files = 0 ; none\n"
+        "[run]\nlevel = debug\nmax_file_size_kib = 128\nmax_files = 1\n"
+        "[interface]\r\nlevel=off\r\nmax_file_size_kib: 1048576\r\nmax_files=100\r\n");
     EXPECT_THAT(settings.complaints, IsEmpty());
     EXPECT_EQ(settings.directory, "/var/x/");
     EXPECT_EQ(settings.keepOldFiles, 0U);
@@ -79,20 +80,22 @@ TEST(LogSettings, NameWhatIsUnknownAndGoOn)
 
 TEST(LogSettings, UseTheDefaultForAValueThatCannotBe)
 {
-    for (const char* line : {"[run]\nlevel = loud", "[run]\nlevel =", "[interface]\nlevel = INFO", "[run]\nmax_files = 0",
-                             "[run]\nmax_files = 101", "[interface]\nmax_files = 5x", "[run]\nmax_files = -1",
-                             "[run]\nmax_file_size_kib = 127", "[run]\nmax_file_size_kib = 1048577",
-                             "[interface]\nmax_file_size_kib = 99999999999999999999", "[log]\nkeep_old_files = 10001",
-                             "[log]\nkeep_old_files = 1 2", "[log]\ndirectory ="}) {
+    for (const char* line :
+         {"[run]\nlevel = loud", "[run]\nlevel =", "[interface]\nlevel = INFO", "[run]\nmax_files = 0",
+          "[run]\nmax_files = 101", "[interface]\nmax_files = 5x", "[run]\nmax_files = -1", "[run]\nmax_file_size_kib = 127",
+          "[run]\nmax_file_size_kib = 1048577", "[interface]\nmax_file_size_kib = 99999999999999999999",
+          "[log]\nkeep_old_files = 10001", "[log]\nkeep_old_files = 1 2", "[log]\ndirectory ="}) {
         const LogSettings settings = settingsOf(line);
         expectDefaults(settings);
-        EXPECT_THAT(settings.complaints, ElementsAre(AllOf(HasSubstr("cannot be \""), HasSubstr("the default is used")))) << line;
+        EXPECT_THAT(settings.complaints, ElementsAre(AllOf(HasSubstr("cannot be \""), HasSubstr("the default is used"))))
+            << line;
     }
 }
 
 TEST(LogSettings, SayWhichValuesCanBe)
 {
-    EXPECT_THAT(settingsOf("[run]\nlevel = loud").complaints, ElementsAre(HasSubstr("only debug, info, warn, error or off;")));
+    EXPECT_THAT(settingsOf("[run]\nlevel = loud").complaints,
+                ElementsAre(HasSubstr("only debug, info, warn, error or off;")));
     EXPECT_THAT(settingsOf("[run]\nmax_files = 0").complaints, ElementsAre(HasSubstr("only a whole number from 1 to 100;")));
 }
 
@@ -106,7 +109,8 @@ TEST(LogSettings, KeepTheFirstOfTwoValues)
 TEST(LogSettings, IgnoreALineThatIsTooLongButNotTheOnesAfterIt)
 {
     const std::string path(300, 'p');
-    const LogSettings settings = settingsOf("; " + path + "\n[log]\ndirectory = /" + path + "\n[run]\nmax_files = 9\nnonsense\n");
+    const LogSettings settings =
+        settingsOf("; " + path + "\n[log]\ndirectory = /" + path + "\n[run]\nmax_files = 9\nnonsense\n");
     EXPECT_EQ(settings.directory, "");
     EXPECT_EQ(settings.run.maxFiles, 9U);
     EXPECT_THAT(settings.complaints, ElementsAre(HasSubstr("line 3 is longer than"), HasSubstr("line 6 is neither")));
@@ -141,5 +145,5 @@ TEST(LogSettings, InTheShippedFileAreTheDefaultsAndTheSystemsLogFolder)
     expectDefaults(settings);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

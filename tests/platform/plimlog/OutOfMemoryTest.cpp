@@ -32,7 +32,8 @@ int failEachAllocation(const std::function<void()>& call)
 TEST(OutOfMemory, LetsALogStartOrNotButNothingInBetween)
 {
     const TestFolder folder;
-    const std::string ini = folder.write("Brevan_API.ini", "[log]\ndirectory = a/longer/path/than/fits/in/place\n[run]\ncolour=red\n");
+    const std::string ini =
+        folder.write("Brevan_API.ini", "[log]\ndirectory = a/longer/path/than/fits/in/place\n[run]\ncolour=red\n");
     testing::internal::CaptureStderr();
     int failed = 0;
     const int runs = failEachAllocation([&] {
@@ -65,12 +66,13 @@ TEST(OutOfMemory, CostsRecordsAsItCostsLines)
     const TestFolder folder;
     ASSERT_EQ(LogInit("Test", nullptr, nullptr, folder.path().c_str()), 0);
     const int failed = failEachAllocation([] {
-        Log_Interface_Error("Test", "1", "", "getLun", "", "", "", "2021-03-04 05:06:07 089", "2021-03-04 05:06:07 089", "1", "");
+        Log_Interface_Error("Test", "1", "", "getLun", "", "", "", "2021-03-04 05:06:07 089", "2021-03-04 05:06:07 089", "1",
+                            "");
     });
     EXPECT_GT(failed, 0);
     EXPECT_THAT(linesOf(logPath(folder.path(), getpid(), "interface.log")), testing::Contains(HasSubstr("\tgetLun\t")));
     EXPECT_EQ(LogFini("Test"), 0);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -23,7 +23,10 @@ constexpr unsigned kLevels[] = {0xffffffff, 0xffffffff, 0xffffffff};
 
 class PlimLogAPI : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(LogInit("Test", (m_folder / "Brevan_API.ini").c_str(), kLevels, m_folder.path().c_str()), 0); }
+    void SetUp() override
+    {
+        ASSERT_EQ(LogInit("Test", (m_folder / "Brevan_API.ini").c_str(), kLevels, m_folder.path().c_str()), 0);
+    }
     void TearDown() override { LogFini("Test"); }
     std::vector<std::string> log(const std::string& end) const { return linesOf(logPath(m_folder.path(), getpid(), end)); }
 
@@ -43,7 +46,8 @@ TEST_F(PlimLogAPI, WritesEachInterfaceCallAsARecord)
 {
     Log_Interface_Info("Test", "1", "", "getLun", "", "", "", "s", "e", "0", "");
     Log_Interface_Error("Test", "1", "", "createLun", "", "", "", "s", "e", "-401", "");
-    EXPECT_THAT(log("interface.log"), ElementsAre(HasSubstr("\tINFO\t0\tgetLun\t"), HasSubstr("\tERROR\t-401\tcreateLun\t")));
+    EXPECT_THAT(log("interface.log"),
+                ElementsAre(HasSubstr("\tINFO\t0\tgetLun\t"), HasSubstr("\tERROR\t-401\tcreateLun\t")));
 }
 
 TEST_F(PlimLogAPI, SurvivesNullPointers)
@@ -88,22 +92,24 @@ std::string outputOf(const std::string& command)
 TEST(PlimLogLibrary, ExportsTheInterfaceAndNothingElse)
 {
     EXPECT_EQ(outputOf("nm -D --defined-only --format=just-symbols " PLIMLOG_LIBRARY " | sort"),
-              "LogFini\nLogInit\nLog_Interface_Error\nLog_Interface_Info\nLog_Run_Debug\nLog_Run_Error\nLog_Run_Info\nLog_Run_Warn\n");
+              "LogFini\nLogInit\nLog_Interface_Error\nLog_Interface_Info\nLog_Run_Debug\nLog_Run_Error\nLog_Run_Info\nLog_"
+              "Run_Warn\n");
 }
 
 TEST(PlimLogLibrary, WorksWhenItIsLoadedAtRunTimeAndStaysLoaded)
 {
     const TestFolder folder;
     EXPECT_EQ(inChild([&] {
-        void* library = dlopen(PLIMLOG_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(library, nullptr) << dlerror();
-        const auto start = reinterpret_cast<decltype(&LogInit)>(dlsym(library, "LogInit"));
-        const auto info = reinterpret_cast<decltype(&Log_Run_Info)>(dlsym(library, "Log_Run_Info"));
-        EXPECT_EQ(start("Test", nullptr, kLevels, folder.path().c_str()), 0);
-        dlclose(library);
-        info("Test", "still there");
-        EXPECT_THAT(linesOf(logPath(folder.path(), getpid(), "run.log")), ElementsAre(EndsWith(" still there")));
-    }), 0);
+                  void* library = dlopen(PLIMLOG_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+                  ASSERT_NE(library, nullptr) << dlerror();
+                  const auto start = reinterpret_cast<decltype(&LogInit)>(dlsym(library, "LogInit"));
+                  const auto info = reinterpret_cast<decltype(&Log_Run_Info)>(dlsym(library, "Log_Run_Info"));
+                  EXPECT_EQ(start("Test", nullptr, kLevels, folder.path().c_str()), 0);
+                  dlclose(library);
+                  info("Test", "still there");
+                  EXPECT_THAT(linesOf(logPath(folder.path(), getpid(), "run.log")), ElementsAre(EndsWith(" still there")));
+              }),
+              0);
 }
 
 TEST(PlimLogLibrary, StartsNoThread)
@@ -119,5 +125,5 @@ TEST(PlimLogLibrary, StartsNoThread)
     LogFini("Test");
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -95,4 +95,4 @@ pid_t endedProcess()
     return child;
 }
 
-}
+}  // namespace brevan::plimlog

@@ -46,6 +46,6 @@ int waitForChild(pid_t child);
 /// The id of a process that has just ended.
 pid_t endedProcess();
 
-}
+}  // namespace brevan::plimlog
 
 #endif

@@ -25,9 +25,10 @@ TEST(ProcessIds, AreRightInAChildOfFork)
 {
     EXPECT_EQ(currentThreadId(), gettid());
     EXPECT_EQ(inChild([] {
-        EXPECT_EQ(currentProcessId(), getpid());
-        EXPECT_EQ(currentThreadId(), gettid());
-    }), 0);
+                  EXPECT_EQ(currentProcessId(), getpid());
+                  EXPECT_EQ(currentThreadId(), gettid());
+              }),
+              0);
 }
 
 TEST(ProcessIds, AreRightInAChildThatNoForkHandlerWasToldOf)
@@ -45,5 +46,5 @@ TEST(ProcessIds, ComeWithTheProgramsName)
     EXPECT_EQ(programName(), "plimlog_tests");
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -149,30 +149,32 @@ TEST(RotatingFile, LeavesNothingOfALineForWhichThereIsNoRoom)
 {
     const TestFolder folder;
     EXPECT_EQ(inChild([&] {
-        signal(SIGXFSZ, SIG_IGN);
-        RotatingFile file(folder.path(), nameOf(), kLarge, 3);
-        EXPECT_EQ(file.write("12345\n"), 0);
-        limitFileSize(10);
-        EXPECT_EQ(file.write("1234567\n"), EFBIG);  // the kernel takes four bytes of it
-        EXPECT_EQ(readFile(file.path()), "12345\n");
-        limitFileSize(RLIM_INFINITY);
-        EXPECT_EQ(file.write("7\n"), 0);
-        EXPECT_EQ(readFile(file.path()), "12345\n7\n");
-    }), 0);
+                  signal(SIGXFSZ, SIG_IGN);
+                  RotatingFile file(folder.path(), nameOf(), kLarge, 3);
+                  EXPECT_EQ(file.write("12345\n"), 0);
+                  limitFileSize(10);
+                  EXPECT_EQ(file.write("1234567\n"), EFBIG);  // the kernel takes four bytes of it
+                  EXPECT_EQ(readFile(file.path()), "12345\n");
+                  limitFileSize(RLIM_INFINITY);
+                  EXPECT_EQ(file.write("7\n"), 0);
+                  EXPECT_EQ(readFile(file.path()), "12345\n7\n");
+              }),
+              0);
 }
 
 TEST(RotatingFile, StaysBelowTheProcessesOwnLimitOnFileSizes)
 {
     const TestFolder folder;
     EXPECT_EQ(inChild([&] {
-        limitFileSize(10);  // a write beyond it would end the process
-        RotatingFile file(folder.path(), nameOf(), kLarge, 3);
-        EXPECT_EQ(file.write("1234567\n"), 0);
-        EXPECT_EQ(file.write("2345678\n"), 0);
-        EXPECT_EQ(file.write("234567890123\n"), EFBIG);
-        EXPECT_EQ(readFile(file.path()), "2345678\n");
-    }), 0);
+                  limitFileSize(10);  // a write beyond it would end the process
+                  RotatingFile file(folder.path(), nameOf(), kLarge, 3);
+                  EXPECT_EQ(file.write("1234567\n"), 0);
+                  EXPECT_EQ(file.write("2345678\n"), 0);
+                  EXPECT_EQ(file.write("234567890123\n"), EFBIG);
+                  EXPECT_EQ(readFile(file.path()), "2345678\n");
+              }),
+              0);
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog

@@ -106,5 +106,5 @@ TEST(TagLog, PrunesWhatEndedProcessesLeft)
     EXPECT_FALSE(std::filesystem::exists(old));
 }
 
-}
-}
+}  // namespace
+}  // namespace brevan::plimlog
