@@ -148,7 +148,8 @@ protected:
     /// Whether the array shows the volume to this host.
     static bool isExposed(const std::string& wwn)
     {
-        for (const auto& [number, volume] : array->exposed()[ownInitiator()]) {
+        auto plan = array->exposed();
+        for (const auto& [number, volume] : plan[ownInitiator()]) {
             if (volume.wwn == wwn) {
                 return true;
             }
@@ -217,7 +218,9 @@ TEST_F(EndToEnd, TellsThatTheArrayHasStopped)
     const LunMO lun = other.createLun();
     brief.stop();
     EXPECT_EQ(other.attach(lun.ID), 0);
-    EXPECT_EQ(lastFailure().code, brevan::FAILURE_NO_CONNECTION) << lastFailure().text;
+    // Whether the end of the warm connection is noticed before or after the request went out is a matter of microseconds.
+    EXPECT_TRUE(lastFailure().code == brevan::FAILURE_NO_CONNECTION || lastFailure().code == brevan::FAILURE_CONNECTION_LOST)
+        << lastFailure().text;
     EXPECT_THROW(other.get<CLunHandler>(HANDLER_LUN).getLun(lun.ID), PlimAPIException);
 }
 
