@@ -11,19 +11,14 @@ namespace brevan::sim {
 /// A request that the array refuses: nothing of it is kept, and the client gets this code and this text.
 class ApiError : public std::runtime_error {
 public:
-    ApiError(int code, const std::string& text) : std::runtime_error(text), m_code(code)
-    {
-    }
+    ApiError(int code, const std::string& text) : std::runtime_error(text), m_code(code) {}
 
-    int code() const noexcept
-    {
-        return m_code;
-    }
+    int code() const noexcept { return m_code; }
 
 private:
     int m_code;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -24,6 +24,12 @@ void checkOptions(const ServerOptions& options)
     if (options.deviceId.empty() || options.deviceId.size() > 64 || !consistsOf(options.deviceId, "-_")) {
         throw std::invalid_argument("the device ID must be 1 to 64 letters, digits, \"-\" and \"_\"");
     }
+    if (!isAddress(options.address)) {
+        throw std::invalid_argument(inQuotes(options.address) + " is not an IPv4 or IPv6 address");
+    }
+    if (!consistsOf(options.serverName, ".-")) {
+        throw std::invalid_argument(inQuotes(options.serverName) + " is not the name of a server");
+    }
     if (options.password.empty() || options.user.empty()) {
         throw std::invalid_argument("user name and password must not be empty");
     }
@@ -35,20 +41,20 @@ void checkOptions(const ServerOptions& options)
 std::unique_ptr<ExposureDriver> makeDriver(const ServerOptions& options)
 {
     switch (options.exposure) {
-    case Exposure::kLio: {
-        LioOptions lio{options.lioRoot, targetName(options), options.lioPortal, options.volumeDirectory, wwnPrefix(options.deviceId),
-                       options.database != ":memory:"};
-        return std::make_unique<LioDriver>(lio, std::make_unique<ConfigTree>());
-    }
-    case Exposure::kTree:
-        return std::make_unique<TreeDriver>(options.treeDirectory);
-    case Exposure::kNone:
-        break;
+        case Exposure::kLio: {
+            LioOptions lio{options.lioRoot,         targetName(options),         options.lioPortal,
+                           options.volumeDirectory, wwnPrefix(options.deviceId), options.database != ":memory:"};
+            return std::make_unique<LioDriver>(lio, std::make_unique<ConfigTree>());
+        }
+        case Exposure::kTree:
+            return std::make_unique<TreeDriver>(options.treeDirectory);
+        case Exposure::kNone:
+            break;
     }
     return std::make_unique<NoExposure>();
 }
 
-} // namespace
+}  // namespace
 
 Array::Array(ServerOptions arrayOptions)
     : options((checkOptions(arrayOptions), std::move(arrayOptions))),
@@ -63,7 +69,8 @@ std::string addPool(Array& array, const PoolOption& pool)
     const auto id = decimal(pool.id);
     if (!id || std::to_string(*id) != pool.id || *id > 999999999 || pool.name.empty() || pool.name.size() > 31 ||
         !consistsOf(pool.name, "_-.")) {
-        throw std::invalid_argument("a storage pool needs a number as its ID and a name of 1 to 31 letters, digits, \"_\", \"-\" and \".\"");
+        throw std::invalid_argument(
+            "a storage pool needs a number as its ID and a name of 1 to 31 letters, digits, \"_\", \"-\" and \".\"");
     }
     if (pool.gib == 0 || pool.gib > kLargestPoolGib) {
         throw std::invalid_argument("a storage pool has 1 to " + std::to_string(kLargestPoolGib) + " GiB");
@@ -72,7 +79,8 @@ std::string addPool(Array& array, const PoolOption& pool)
     if (array.database.exists("SELECT 1 FROM pool WHERE id = ? OR name = ?", {number, pool.name})) {
         throw std::invalid_argument("there are two storage pools with the ID " + pool.id + " or the name " + pool.name);
     }
-    array.database.insert("pool", {{"id", number}, {"name", pool.name}, {"capacity", static_cast<std::int64_t>(pool.gib) * kSectorsPerGib}});
+    array.database.insert(
+        "pool", {{"id", number}, {"name", pool.name}, {"capacity", static_cast<std::int64_t>(pool.gib) * kSectorsPerGib}});
     return pool.id;
 }
 
@@ -111,4 +119,4 @@ std::string newWwn(Array& array)
     return wwnPrefix(array.options.deviceId) + serial;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -33,6 +33,6 @@ std::string newWwn(Array& array);
 /// With what all WWNs of an array begin.
 std::string wwnPrefix(const std::string& deviceId);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -14,10 +14,7 @@ namespace brevan::sim {
 
 class ArrayServer::Implementation {
 public:
-    explicit Implementation(ServerOptions options) : array(std::move(options)), pipeline(array)
-    {
-        furnish(array);
-    }
+    explicit Implementation(ServerOptions options) : array(std::move(options)), pipeline(array) { furnish(array); }
 
     ~Implementation()
     {
@@ -108,9 +105,7 @@ private:
     bool stopped = false;
 };
 
-ArrayServer::ArrayServer(ServerOptions options) : m_implementation(std::make_unique<Implementation>(std::move(options)))
-{
-}
+ArrayServer::ArrayServer(ServerOptions options) : m_implementation(std::make_unique<Implementation>(std::move(options))) {}
 
 ArrayServer::~ArrayServer() = default;
 
@@ -163,7 +158,8 @@ std::string ArrayServer::addPool(const std::string& id, const std::string& name,
 std::string ArrayServer::addLun(const std::string& name, const std::string& poolId, std::uint64_t bytes)
 {
     constexpr std::uint64_t kSectorBytes = 512;
-    return m_implementation->create("/lun", {{"NAME", name}, {"PARENTID", poolId}, {"CAPACITY", bytes / kSectorBytes}, {"ALLOCTYPE", 1}});
+    return m_implementation->create(
+        "/lun", {{"NAME", name}, {"PARENTID", poolId}, {"CAPACITY", bytes / kSectorBytes}, {"ALLOCTYPE", 1}});
 }
 
 std::string ArrayServer::addSnapshot(const std::string& name, const std::string& lunId)
@@ -226,4 +222,4 @@ std::size_t ArrayServer::faultsLeft() const
     return m_implementation->pipeline.faults().left();
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -15,8 +15,8 @@ namespace brevan::sim {
 
 /// The simulated array. All operations may be called by any thread, also while clients are served.
 ///
-/// What a test does behind the clients' backs (addPool and so on) obeys the same rules as a request: what the array refuses is
-/// a std::runtime_error with the text that a client would get.
+/// What a test does behind the clients' backs (addPool and so on) obeys the same rules as a request: what the array refuses
+/// is a std::runtime_error with the text that a client would get.
 class ArrayServer {
 public:
     /// An option that does not do is a std::invalid_argument; a database that cannot be opened a std::runtime_error.
@@ -61,9 +61,9 @@ public:
     std::vector<JournalEntry> journal() const;
     void clearJournal();
 
-    /// The next request of this operation is not carried out but answered with this code and text. Several for the same operation
-    /// are used in their order, each once. `operation`: method and path, such as "POST /lungroup" or "GET /lun/{id}"; one that
-    /// the array does not have is a std::invalid_argument.
+    /// The next request of this operation is not carried out but answered with this code and text. Several for the same
+    /// operation are used in their order, each once. `operation`: method and path, such as "POST /lungroup" or "GET
+    /// /lun/{id}"; one that the array does not have is a std::invalid_argument.
     void failNext(const std::string& operation, int code, const std::string& text = "Asked for by the test.");
     /// How many of these have not been used.
     std::size_t faultsLeft() const;
@@ -73,6 +73,6 @@ private:
     std::unique_ptr<Implementation> m_implementation;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -1,5 +1,7 @@
 #include "Certificates.h"
 
+#include "Text.h"
+
 #include <openssl/bio.h>
 #include <openssl/ec.h>
 #include <openssl/err.h>
@@ -7,8 +9,6 @@
 #include <openssl/pem.h>
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
-
-#include <arpa/inet.h>
 
 #include <array>
 #include <memory>
@@ -22,22 +22,10 @@ constexpr long kDay = 24L * 3600;
 constexpr long kLifetime = 3650 * kDay;
 
 struct Freer {
-    void operator()(EVP_PKEY* key) const
-    {
-        EVP_PKEY_free(key);
-    }
-    void operator()(X509* certificate) const
-    {
-        X509_free(certificate);
-    }
-    void operator()(X509_EXTENSION* extension) const
-    {
-        X509_EXTENSION_free(extension);
-    }
-    void operator()(BIO* bio) const
-    {
-        BIO_free(bio);
-    }
+    void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
+    void operator()(X509* certificate) const { X509_free(certificate); }
+    void operator()(X509_EXTENSION* extension) const { X509_EXTENSION_free(extension); }
+    void operator()(BIO* bio) const { BIO_free(bio); }
 };
 using Key = std::unique_ptr<EVP_PKEY, Freer>;
 using Certificate = std::unique_ptr<X509, Freer>;
@@ -60,8 +48,9 @@ void setSerial(X509* certificate)
 {
     std::array<unsigned char, 16> bytes{};
     require(RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) == 1, "random serial number");
-    bytes[0] = static_cast<unsigned char>((bytes[0] & 0x3f) | 0x40); // positive, and never shorter than its bytes
-    const std::unique_ptr<BIGNUM, decltype(&BN_free)> number(BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr), BN_free);
+    bytes[0] = static_cast<unsigned char>((bytes[0] & 0x3f) | 0x40);  // positive, and never shorter than its bytes
+    const std::unique_ptr<BIGNUM, decltype(&BN_free)> number(
+        BN_bin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr), BN_free);
     require(number && BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(certificate)) != nullptr, "serial number");
 }
 
@@ -91,14 +80,9 @@ Certificate blankCertificate(const std::string& commonName, EVP_PKEY* key)
 
 void sign(X509* certificate, X509* issuer, EVP_PKEY* issuerKey)
 {
-    require(X509_set_issuer_name(certificate, X509_get_subject_name(issuer)) == 1 && X509_sign(certificate, issuerKey, EVP_sha256()) > 0,
+    require(X509_set_issuer_name(certificate, X509_get_subject_name(issuer)) == 1 &&
+                X509_sign(certificate, issuerKey, EVP_sha256()) > 0,
             "signature");
-}
-
-bool isAddress(const std::string& name)
-{
-    std::array<unsigned char, 16> bytes{};
-    return inet_pton(AF_INET, name.c_str(), bytes.data()) == 1 || inet_pton(AF_INET6, name.c_str(), bytes.data()) == 1;
 }
 
 std::string alternativeNames(const std::vector<std::string>& names)
@@ -131,7 +115,7 @@ std::string pem(EVP_PKEY* key)
     return textOf(bio.get());
 }
 
-} // namespace
+}  // namespace
 
 ServerIdentity makeServerIdentity(const std::vector<std::string>& names)
 {
@@ -155,4 +139,4 @@ ServerIdentity makeServerIdentity(const std::vector<std::string>& names)
     return {pem(ca.get()), pem(server.get()), pem(key.get())};
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

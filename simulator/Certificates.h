@@ -8,8 +8,8 @@ namespace brevan::sim {
 
 /// The array's identity for TLS, all as PEM.
 struct ServerIdentity {
-    std::string caCertificate; ///< what clients trust
-    std::string certificate;   ///< the array's own, signed by that authority
+    std::string caCertificate;  ///< what clients trust
+    std::string certificate;    ///< the array's own, signed by that authority
     std::string key;
 };
 
@@ -17,6 +17,6 @@ struct ServerIdentity {
 /// The authority's key is forgotten at once. A failure is a std::runtime_error.
 ServerIdentity makeServerIdentity(const std::vector<std::string>& names);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

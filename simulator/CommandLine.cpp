@@ -16,9 +16,10 @@ namespace {
 constexpr const char* kPasswordVariable = "BREVAN_SIM_PASSWORD";
 constexpr std::size_t kLongestPassword = 1024;
 
-constexpr const char* kDescription = "A block-storage array that exists in this process only: its management interface over HTTPS and, with an\n"
-                                     "exposure driver, its volumes as disks. Prints \"listening on https://ADDRESS:PORT\" when it is ready; ends on\n"
-                                     "SIGTERM and SIGINT.";
+constexpr const char* kDescription =
+    "A block-storage array that exists in this process only: its management interface over HTTPS and, with an\n"
+    "exposure driver, its volumes as disks. Prints \"listening on https://ADDRESS:PORT\" when it is ready; ends on\n"
+    "SIGTERM and SIGINT.";
 
 /// What the flags say, before it is checked and put into options.
 struct Flags {
@@ -51,15 +52,21 @@ std::string password(const std::string& file)
 void addNetworkFlags(CLI::App& app, Flags& flags)
 {
     ServerOptions& server = flags.options.server;
-    app.add_option("--address", server.address, "IPv4 or IPv6 address to listen on")->type_name("ADDRESS")->check([](const std::string& text) {
-        return CLI::ValidIPV4(text).empty() || text.find(':') != std::string::npos ? std::string() : text + " is not an IP address";
-    })->capture_default_str();
-    app.add_option("--port", server.port, "Port to listen on; 0: one that the system chooses")->type_name("PORT")->capture_default_str();
-    app.add_option("--ca-file", server.caFile, "Where to write the certificate authority that clients shall trust (PEM); without this flag, a "
-                                               "file that is removed at the end")->type_name("FILE");
-    app.add_option("--server-name", server.serverName, "A further name in the certificate, beside the address, 127.0.0.1, ::1 and localhost")
+    app.add_option("--address", server.address, "IPv4 or IPv6 address to listen on")
+        ->type_name("ADDRESS")
+        ->capture_default_str();
+    app.add_option("--port", server.port, "Port to listen on; 0: one that the system chooses")
+        ->type_name("PORT")
+        ->capture_default_str();
+    app.add_option("--ca-file", server.caFile,
+                   "Where to write the certificate authority that clients shall trust (PEM); without this flag, a "
+                   "file that is removed at the end")
+        ->type_name("FILE");
+    app.add_option("--server-name", server.serverName,
+                   "A further name in the certificate, beside the address, 127.0.0.1, ::1 and localhost")
         ->type_name("NAME");
-    app.add_option("--port-file", flags.options.portFile, "Where to write the port number, once the array listens")->type_name("FILE");
+    app.add_option("--port-file", flags.options.portFile, "Where to write the port number, once the array listens")
+        ->type_name("FILE");
 }
 
 void addArrayFlags(CLI::App& app, Flags& flags)
@@ -67,32 +74,50 @@ void addArrayFlags(CLI::App& app, Flags& flags)
     ServerOptions& server = flags.options.server;
     app.add_option("--user", server.user, "Name of the one user that can log in")->type_name("NAME")->capture_default_str();
     app.add_option("--password-file", flags.passwordFile,
-                   "File whose first line is the password; without this flag, the environment variable BREVAN_SIM_PASSWORD")->type_name("FILE");
-    app.add_option("--device-id", server.deviceId, "The array's device ID; all WWNs derive from it")->type_name("ID")->capture_default_str();
-    app.add_option("--pool", flags.pools, "A storage pool; may be repeated (default 0:pool0:1024)")->type_name("ID:NAME:GIB")->take_all();
-    app.add_option("--iscsi-initiator", server.iscsiInitiators, "A free iSCSI initiator that exists from the start; may be repeated")
-        ->type_name("IQN")->take_all();
-    app.add_option("--settle", server.settleReads, "So many reads of a new LUN, group, host or view answer 1077949006, not readable yet")
-        ->type_name("N")->capture_default_str();
+                   "File whose first line is the password; without this flag, the environment variable BREVAN_SIM_PASSWORD")
+        ->type_name("FILE");
+    app.add_option("--device-id", server.deviceId, "The array's device ID; all WWNs derive from it")
+        ->type_name("ID")
+        ->capture_default_str();
+    app.add_option("--pool", flags.pools, "A storage pool; may be repeated (default 0:pool0:1024)")
+        ->type_name("ID:NAME:GIB")
+        ->take_all();
+    app.add_option("--iscsi-initiator", server.iscsiInitiators,
+                   "A free iSCSI initiator that exists from the start; may be repeated")
+        ->type_name("IQN")
+        ->take_all();
+    app.add_option("--settle", server.settleReads,
+                   "So many reads of a new LUN, group, host or view answer 1077949006, not readable yet")
+        ->type_name("N")
+        ->capture_default_str();
     app.add_flag("--log-requests", flags.options.logRequests, "Print a line for each request");
 }
 
 void addExposureFlags(CLI::App& app, Flags& flags)
 {
-    static const std::map<std::string, Exposure> kDrivers{{"none", Exposure::kNone}, {"lio", Exposure::kLio}, {"tree", Exposure::kTree}};
+    static const std::map<std::string, Exposure> kDrivers{
+        {"none", Exposure::kNone}, {"lio", Exposure::kLio}, {"tree", Exposure::kTree}};
     ServerOptions& server = flags.options.server;
-    app.add_option("--exposure", server.exposure, "How mapped volumes leave the array: none; lio: disks of the kernel's iSCSI target (needs "
-                                                  "root and configfs); tree: lists in files")
-        ->type_name("none|lio|tree")->transform(CLI::CheckedTransformer(kDrivers).description(""))->default_str("none");
-    app.add_option("--lio-portal", server.lioPortal, "lio: where the iSCSI target listens")->type_name("ADDRESS:PORT")->capture_default_str();
-    app.add_option("--lio-target", server.lioTarget, "lio: name of the iSCSI target (default: made from the device ID)")->type_name("IQN");
-    app.add_option("--volume-directory", server.volumeDirectory, "lio: where the volumes are, a sparse file each")->type_name("DIR");
-    app.add_option("--tree-directory", server.treeDirectory, "tree: where the lists are, a file for each initiator")->type_name("DIR");
+    app.add_option("--exposure", server.exposure,
+                   "How mapped volumes leave the array: none; lio: disks of the kernel's iSCSI target (needs "
+                   "root and configfs); tree: lists in files")
+        ->type_name("none|lio|tree")
+        ->transform(CLI::CheckedTransformer(kDrivers).description(""))
+        ->default_str("none");
+    app.add_option("--lio-portal", server.lioPortal, "lio: where the iSCSI target listens")
+        ->type_name("ADDRESS:PORT")
+        ->capture_default_str();
+    app.add_option("--lio-target", server.lioTarget, "lio: name of the iSCSI target (default: made from the device ID)")
+        ->type_name("IQN");
+    app.add_option("--volume-directory", server.volumeDirectory, "lio: where the volumes are, a sparse file each")
+        ->type_name("DIR");
+    app.add_option("--tree-directory", server.treeDirectory, "tree: where the lists are, a file for each initiator")
+        ->type_name("DIR");
 }
 
-void requireDirectory(Exposure driver, const ServerOptions& server, Exposure wanted, const std::string& directory, const char* flag)
+void requireDirectory(bool needed, const std::string& directory, const char* flag)
 {
-    if (server.exposure == wanted && directory.empty() && driver == wanted) {
+    if (needed && directory.empty()) {
         throw CLI::RequiredError(flag);
     }
 }
@@ -100,8 +125,8 @@ void requireDirectory(Exposure driver, const ServerOptions& server, Exposure wan
 ProgramOptions checked(Flags flags)
 {
     ServerOptions& server = flags.options.server;
-    requireDirectory(server.exposure, server, Exposure::kLio, server.volumeDirectory, "--volume-directory");
-    requireDirectory(server.exposure, server, Exposure::kTree, server.treeDirectory, "--tree-directory");
+    requireDirectory(server.exposure == Exposure::kLio, server.volumeDirectory, "--volume-directory");
+    requireDirectory(server.exposure == Exposure::kTree, server.treeDirectory, "--tree-directory");
     if (!flags.pools.empty()) {
         server.pools.clear();
         for (const std::string& pool : flags.pools) {
@@ -115,9 +140,10 @@ ProgramOptions checked(Flags flags)
     return std::move(flags.options);
 }
 
-} // namespace
+}  // namespace
 
-std::optional<ProgramOptions> readCommandLine(int argc, const char* const* argv, int& exitStatus, std::ostream& output, std::ostream& errors)
+std::optional<ProgramOptions> readCommandLine(int argc, const char* const* argv, int& exitStatus, std::ostream& output,
+                                              std::ostream& errors)
 {
     CLI::App app(kDescription, "brevan-array-sim");
     Flags flags;
@@ -137,4 +163,4 @@ std::optional<ProgramOptions> readCommandLine(int argc, const char* const* argv,
     return std::nullopt;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

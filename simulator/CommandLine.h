@@ -23,6 +23,6 @@ constexpr int kUsageError = 2;
 std::optional<ProgramOptions> readCommandLine(int argc, const char* const* argv, int& exitStatus, std::ostream& output,
                                               std::ostream& errors);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -36,7 +36,7 @@ std::vector<std::string> namesIn(const std::string& path, Predicate wanted)
     return names;
 }
 
-} // namespace
+}  // namespace
 
 void ConfigTree::makeDirectory(const std::string& path)
 {
@@ -93,4 +93,4 @@ std::string ConfigTree::linkedName(const std::string& path) const
     return error ? std::string() : target.filename().string();
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -25,6 +25,6 @@ public:
     std::string linkedName(const std::string& path) const;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

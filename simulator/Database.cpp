@@ -18,7 +18,7 @@ constexpr std::size_t kKeptStatements = 512;
     throw std::runtime_error("database: " + what + ": " + (handle != nullptr ? sqlite3_errmsg(handle) : "out of memory"));
 }
 
-} // namespace
+}  // namespace
 
 Statement::Statement(sqlite3_stmt* statement, const std::vector<Value>& parameters) : m_statement(statement)
 {
@@ -64,7 +64,8 @@ std::int64_t Statement::number(int column) const
 std::string Statement::text(int column) const
 {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
-    return bytes == nullptr ? std::string() : std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column)));
+    return bytes == nullptr ? std::string()
+                            : std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column)));
 }
 
 bool Statement::isNull(int column) const
@@ -210,4 +211,4 @@ void Transaction::commit()
     m_open = false;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -89,6 +89,6 @@ private:
     bool m_open = true;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

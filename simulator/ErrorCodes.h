@@ -67,6 +67,6 @@ enum ErrorCode : int {
     kExposureFailed = 1077970090,
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -39,26 +39,14 @@ public:
 /// Exposes nothing.
 class NoExposure : public ExposureDriver {
 public:
-    void start() override
-    {
-    }
-    void apply(const ExposurePlan&) override
-    {
-    }
-    void stop() override
-    {
-    }
-    void createVolume(const ExposedVolume&) override
-    {
-    }
-    void copyVolume(const ExposedVolume&, const ExposedVolume&) override
-    {
-    }
-    void removeVolume(const ExposedVolume&) override
-    {
-    }
+    void start() override {}
+    void apply(const ExposurePlan&) override {}
+    void stop() override {}
+    void createVolume(const ExposedVolume&) override {}
+    void copyVolume(const ExposedVolume&, const ExposedVolume&) override {}
+    void removeVolume(const ExposedVolume&) override {}
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

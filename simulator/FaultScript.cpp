@@ -33,4 +33,4 @@ std::size_t FaultScript::left() const
     return count;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -29,6 +29,6 @@ private:
     std::map<std::string, std::deque<Fault>> m_faults;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

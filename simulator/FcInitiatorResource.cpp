@@ -23,23 +23,28 @@ Answer createInitiator(RequestContext& context)
     return recordAnswer(context, fcInitiatorKind(), id);
 }
 
-} // namespace
+}  // namespace
 
 const ResourceKind& fcInitiatorKind()
 {
-    static const ResourceKind kKind{
-        "FC initiator", "fc_initiator", ObjectType::kNone, kUnknownFcInitiator, false, false, "1",
-        {
-            {"ID", "id", Form::kText, Match::kText},
-            {"NAME", "name", Form::kText, Match::kText},
-            {"PARENTTYPE", "iif(host_id IS NULL, NULL, 21)"},
-            {"PARENTID", "host_id", Form::kText, Match::kNumber},
-            {"PARENTNAME", "(SELECT name FROM host WHERE id = fc_initiator.host_id)"},
-            {"HEALTHSTATUS", "health", Form::kText, Match::kNumber},
-            {"RUNNINGSTATUS", "running", Form::kText, Match::kNumber},
-            {"ISFREE", "iif(host_id IS NULL, 'true', 'false')", Form::kText, Match::kFlag},
-        },
-        {{ObjectType::kHost, "host_id = ?"}}};
+    static const ResourceKind kKind{"FC initiator",
+                                    "fc_initiator",
+                                    ObjectType::kNone,
+                                    kUnknownFcInitiator,
+                                    false,
+                                    false,
+                                    "1",
+                                    {
+                                        {"ID", "id", Form::kText, Match::kText},
+                                        {"NAME", "name", Form::kText, Match::kText},
+                                        {"PARENTTYPE", "iif(host_id IS NULL, NULL, 21)"},
+                                        {"PARENTID", "host_id", Form::kText, Match::kNumber},
+                                        {"PARENTNAME", "(SELECT name FROM host WHERE id = fc_initiator.host_id)"},
+                                        {"HEALTHSTATUS", "health", Form::kText, Match::kNumber},
+                                        {"RUNNINGSTATUS", "running", Form::kText, Match::kNumber},
+                                        {"ISFREE", "iif(host_id IS NULL, 'true', 'false')", Form::kText, Match::kFlag},
+                                    },
+                                    {{ObjectType::kHost, "host_id = ?"}}};
     return kKind;
 }
 
@@ -49,8 +54,10 @@ void addFcInitiatorRoutes(Router& router)
     router.add({"POST", "/fc_initiator", createInitiator});
     router.add({"PUT", "/fc_initiator/remove_fc_from_host",
                 [](RequestContext& context) { return unbindInitiator(context, fcInitiatorKind()); }});
-    router.add({"PUT", "/fc_initiator/{id}", [](RequestContext& context) { return bindInitiator(context, fcInitiatorKind()); }});
-    router.add({"DELETE", "/fc_initiator/{id}", [](RequestContext& context) { return removeInitiator(context, fcInitiatorKind()); }});
+    router.add(
+        {"PUT", "/fc_initiator/{id}", [](RequestContext& context) { return bindInitiator(context, fcInitiatorKind()); }});
+    router.add({"DELETE", "/fc_initiator/{id}",
+                [](RequestContext& context) { return removeInitiator(context, fcInitiatorKind()); }});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

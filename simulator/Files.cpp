@@ -52,4 +52,4 @@ std::string makePrivateDirectory()
     return path;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

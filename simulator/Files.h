@@ -15,6 +15,6 @@ std::string readFile(const std::string& path, std::size_t most);
 /// A new directory that only this user may enter, under the system's place for temporary files.
 std::string makePrivateDirectory();
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

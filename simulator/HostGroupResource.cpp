@@ -26,9 +26,10 @@ Answer removeHostGroup(RequestContext& context)
 Answer addHost(RequestContext& context)
 {
     const AssociationRequest request = associationFromBody(context, hostGroupKind(), {ObjectType::kHost});
-    if (context.database().execute("INSERT OR IGNORE INTO host_group_member VALUES (?, ?)", {request.owner, request.member}) != 1) {
-        throw ApiError(kHostAlreadyInHostGroup, described(hostKind(), request.memberText) + " is already in the host group " +
-                                                    inQuotes(request.ownerText) + ".");
+    if (context.database().execute("INSERT OR IGNORE INTO host_group_member VALUES (?, ?)",
+                                   {request.owner, request.member}) != 1) {
+        throw ApiError(kHostAlreadyInHostGroup, described(hostKind(), request.memberText) +
+                                                    " is already in the host group " + inQuotes(request.ownerText) + ".");
     }
     context.exposureChanged = true;
     return {};
@@ -37,7 +38,8 @@ Answer addHost(RequestContext& context)
 Answer removeHost(RequestContext& context)
 {
     const AssociationRequest request = associationFromQuery(context, hostGroupKind(), {ObjectType::kHost});
-    if (context.database().execute("DELETE FROM host_group_member WHERE group_id = ? AND host_id = ?", {request.owner, request.member}) != 1) {
+    if (context.database().execute("DELETE FROM host_group_member WHERE group_id = ? AND host_id = ?",
+                                   {request.owner, request.member}) != 1) {
         throw ApiError(kNotInHostGroup, described(hostKind(), request.memberText) + " is not in the host group " +
                                             inQuotes(request.ownerText) + ".");
     }
@@ -45,19 +47,26 @@ Answer removeHost(RequestContext& context)
     return {};
 }
 
-} // namespace
+}  // namespace
 
 const ResourceKind& hostGroupKind()
 {
     static const ResourceKind kKind{
-        "host group", "host_group", ObjectType::kHostGroup, kUnknownHostGroup, true, true, "1",
+        "host group",
+        "host_group",
+        ObjectType::kHostGroup,
+        kUnknownHostGroup,
+        true,
+        true,
+        "1",
         {
             {"ID", "id", Form::kText, Match::kNumber},
             {"NAME", "name", Form::kText, Match::kText},
             {"TYPE", "14"},
             {"DESCRIPTION", "description"},
-            {"ISADD2MAPPINGVIEW", "iif(EXISTS (SELECT 1 FROM mapping_view WHERE host_group_id = host_group.id), 'true', 'false')",
-             Form::kText, Match::kFlag},
+            {"ISADD2MAPPINGVIEW",
+             "iif(EXISTS (SELECT 1 FROM mapping_view WHERE host_group_id = host_group.id), 'true', 'false')", Form::kText,
+             Match::kFlag},
         },
         {
             {ObjectType::kHost, "id IN (SELECT group_id FROM host_group_member WHERE host_id = ?)"},
@@ -76,4 +85,4 @@ void addHostGroupRoutes(Router& router)
     router.add({"DELETE", "/hostgroup/{id}", removeHostGroup});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -32,7 +32,7 @@ constexpr std::uint32_t kLargestHeader = 16 * 1024;
 constexpr std::uint64_t kLargestBody = 1024 * 1024;
 constexpr unsigned kMostConnections = 4096;
 constexpr std::chrono::seconds kHandshakeTime{15};
-constexpr std::chrono::seconds kReadTime{120}; // a whole request, or the pause before it
+constexpr std::chrono::seconds kReadTime{120};  // a whole request, or the pause before it
 constexpr std::chrono::seconds kWriteTime{60};
 constexpr std::chrono::milliseconds kAcceptPause{100};
 
@@ -41,14 +41,8 @@ using Handler = HttpsServer::RequestHandler;
 /// Counts a connection as long as it lives.
 class ConnectionCount {
 public:
-    explicit ConnectionCount(std::atomic<unsigned>& count) : m_count(count)
-    {
-        ++m_count;
-    }
-    ~ConnectionCount()
-    {
-        --m_count;
-    }
+    explicit ConnectionCount(std::atomic<unsigned>& count) : m_count(count) { ++m_count; }
+    ~ConnectionCount() { --m_count; }
     ConnectionCount(const ConnectionCount&) = delete;
     ConnectionCount& operator=(const ConnectionCount&) = delete;
 
@@ -59,8 +53,8 @@ private:
 WireRequest wireRequest(const http::request<http::string_body>& message)
 {
     const auto text = [](const auto& view) { return std::string(view.data(), view.size()); };
-    return {text(message.method_string()), text(message.target()), text(message["iBaseToken"]), text(message[http::field::cookie]),
-            message.body()};
+    return {text(message.method_string()), text(message.target()), text(message["iBaseToken"]),
+            text(message[http::field::cookie]), message.body()};
 }
 
 /// The reply to bytes that are no request; nothing where the connection simply ended.
@@ -70,7 +64,8 @@ std::optional<WireReply> replyToBrokenRequest(const beast::error_code& error)
         return errorReply(413, kBadHttp, "The request body is larger than " + std::to_string(kLargestBody) + " bytes.");
     }
     if (error == http::error::header_limit) {
-        return errorReply(431, kBadHttp, "The request headers are larger than " + std::to_string(kLargestHeader) + " bytes.");
+        return errorReply(431, kBadHttp,
+                          "The request headers are larger than " + std::to_string(kLargestHeader) + " bytes.");
     }
     const bool ended = error == http::error::end_of_stream || error == http::error::partial_message;
     if (error.category() != http::make_error_code(http::error::bad_method).category() || ended) {
@@ -161,7 +156,7 @@ private:
     http::response<http::string_body> m_reply;
 };
 
-} // namespace
+}  // namespace
 
 class HttpsServer::Implementation {
 public:
@@ -180,10 +175,7 @@ public:
         m_tls.use_private_key(asio::buffer(identity.key), ssl::context::pem);
     }
 
-    ~Implementation()
-    {
-        stop();
-    }
+    ~Implementation() { stop(); }
 
     std::uint16_t start(const std::string& address, std::uint16_t port)
     {
@@ -276,4 +268,4 @@ void HttpsServer::stop()
     m_implementation->stop();
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

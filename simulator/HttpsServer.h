@@ -32,6 +32,6 @@ private:
     std::unique_ptr<Implementation> m_implementation;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

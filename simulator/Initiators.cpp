@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint64_t kHostType = static_cast<std::uint64_t>(ObjectType::kHost);
 
-} // namespace
+}  // namespace
 
 void bindToParent(RequestContext& context, const ResourceKind& kind, const Value& id)
 {
@@ -72,4 +72,4 @@ std::string initiatorName(const RequestContext& context)
     return context.body.text("NAME", 127);
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

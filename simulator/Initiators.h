@@ -25,6 +25,6 @@ void requireNewInitiator(RequestContext& context, const ResourceKind& kind, cons
 /// "NAME" of the body: any text, not unique, and empty where the client gives none.
 std::string initiatorName(const RequestContext& context);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

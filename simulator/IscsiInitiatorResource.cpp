@@ -21,9 +21,14 @@ struct ChapSide {
     const char* verifies;
 };
 
-constexpr ChapSide kInitiatorSide{"CHAPNAME", "CHAPPASSWORD", "CHAPOLDPASSWORD", "chap_name", "chap_secret", "the initiator"};
-constexpr ChapSide kTargetSide{"CHAPNAMEINITATORVERTARGET", "CHAPPASSWORDINITATORVERTARGET", "CHAPOLDPASSWORDINITATORVERTARGET",
-                               "target_chap_name", "target_chap_secret", "the target"};
+constexpr ChapSide kInitiatorSide{"CHAPNAME",  "CHAPPASSWORD", "CHAPOLDPASSWORD",
+                                  "chap_name", "chap_secret",  "the initiator"};
+constexpr ChapSide kTargetSide{"CHAPNAMEINITATORVERTARGET",
+                               "CHAPPASSWORDINITATORVERTARGET",
+                               "CHAPOLDPASSWORDINITATORVERTARGET",
+                               "target_chap_name",
+                               "target_chap_secret",
+                               "the target"};
 
 std::string column(Database& database, const char* name, const Value& id)
 {
@@ -56,13 +61,14 @@ void setSecret(RequestContext& context, const ChapSide& side, const Value& id)
     }
     if (!secret.empty()) {
         if (!known.empty() && !opens(known, context.body.text(side.oldSecretKey))) {
-            throw ApiError(kWrongOldSecret, std::string("The old secret that verifies ") + side.verifies + " is wrong or missing.");
+            throw ApiError(kWrongOldSecret,
+                           std::string("The old secret that verifies ") + side.verifies + " is wrong or missing.");
         }
         setColumn(database, side.secretColumn, sealed(secret), id);
     }
     if (column(database, side.nameColumn, id).empty() || column(database, side.secretColumn, id).empty()) {
-        throw ApiError(kBadChap, std::string("The CHAP that verifies ") + side.verifies + " needs " + side.nameKey + " and " +
-                                     side.secretKey + ".");
+        throw ApiError(kBadChap, std::string("The CHAP that verifies ") + side.verifies + " needs " + side.nameKey +
+                                     " and " + side.secretKey + ".");
     }
 }
 
@@ -94,8 +100,9 @@ Answer createInitiator(RequestContext& context)
 {
     const std::string id = context.body.requireText("ID");
     if (!isIscsiName(id)) {
-        throw ApiError(kBadParameter, "The ID " + inQuotes(id) + " is not an iSCSI name: it begins with \"iqn.\", \"eui.\" or \"naa.\" and holds"
-                                      " letters, digits, \".\", \":\", \"-\" and \"_\".");
+        throw ApiError(kBadParameter, "The ID " + inQuotes(id) +
+                                          " is not an iSCSI name: it begins with \"iqn.\", \"eui.\" or \"naa.\" and holds"
+                                          " letters, digits, \".\", \":\", \"-\" and \"_\".");
     }
     requireNewInitiator(context, iscsiInitiatorKind(), id);
     context.database().insert("iscsi_initiator", {{"id", id}, {"name", initiatorName(context)}});
@@ -122,28 +129,33 @@ Answer modifyInitiator(RequestContext& context)
     return recordAnswer(context, iscsiInitiatorKind(), id);
 }
 
-} // namespace
+}  // namespace
 
 const ResourceKind& iscsiInitiatorKind()
 {
-    static const ResourceKind kKind{
-        "iSCSI initiator", "iscsi_initiator", ObjectType::kNone, kUnknownIscsiInitiator, false, false, "1",
-        {
-            {"ID", "id", Form::kText, Match::kText},
-            {"NAME", "name", Form::kText, Match::kText},
-            {"PARENTTYPE", "iif(host_id IS NULL, NULL, 21)"},
-            {"PARENTID", "host_id", Form::kText, Match::kNumber},
-            {"PARENTNAME", "(SELECT name FROM host WHERE id = iscsi_initiator.host_id)"},
-            {"HEALTHSTATUS", "health", Form::kText, Match::kNumber},
-            {"RUNNINGSTATUS", "running", Form::kText, Match::kNumber},
-            {"ISFREE", "iif(host_id IS NULL, 'true', 'false')", Form::kText, Match::kFlag},
-            {"USECHAP", "iif(use_chap = 1, 'true', 'false')"},
-            {"NORMALVERMODE", "normal_mode"},
-            {"DISCOVERYVERMODE", "discovery_mode"},
-            {"CHAPNAME", "iif(chap_name = '', NULL, chap_name)"},
-            {"CHAPNAMEINITATORVERTARGET", "iif(target_chap_name = '', NULL, target_chap_name)"},
-        },
-        {{ObjectType::kHost, "host_id = ?"}}};
+    static const ResourceKind kKind{"iSCSI initiator",
+                                    "iscsi_initiator",
+                                    ObjectType::kNone,
+                                    kUnknownIscsiInitiator,
+                                    false,
+                                    false,
+                                    "1",
+                                    {
+                                        {"ID", "id", Form::kText, Match::kText},
+                                        {"NAME", "name", Form::kText, Match::kText},
+                                        {"PARENTTYPE", "iif(host_id IS NULL, NULL, 21)"},
+                                        {"PARENTID", "host_id", Form::kText, Match::kNumber},
+                                        {"PARENTNAME", "(SELECT name FROM host WHERE id = iscsi_initiator.host_id)"},
+                                        {"HEALTHSTATUS", "health", Form::kText, Match::kNumber},
+                                        {"RUNNINGSTATUS", "running", Form::kText, Match::kNumber},
+                                        {"ISFREE", "iif(host_id IS NULL, 'true', 'false')", Form::kText, Match::kFlag},
+                                        {"USECHAP", "iif(use_chap = 1, 'true', 'false')"},
+                                        {"NORMALVERMODE", "normal_mode"},
+                                        {"DISCOVERYVERMODE", "discovery_mode"},
+                                        {"CHAPNAME", "iif(chap_name = '', NULL, chap_name)"},
+                                        {"CHAPNAMEINITATORVERTARGET", "iif(target_chap_name = '', NULL, target_chap_name)"},
+                                    },
+                                    {{ObjectType::kHost, "host_id = ?"}}};
     return kKind;
 }
 
@@ -154,8 +166,10 @@ void addIscsiInitiatorRoutes(Router& router)
     router.add({"PUT", "/iscsi_initiator", modifyInitiator});
     router.add({"PUT", "/iscsi_initiator/remove_iscsi_from_host",
                 [](RequestContext& context) { return unbindInitiator(context, iscsiInitiatorKind()); }});
-    router.add({"PUT", "/iscsi_initiator/{id}", [](RequestContext& context) { return bindInitiator(context, iscsiInitiatorKind()); }});
-    router.add({"DELETE", "/iscsi_initiator/{id}", [](RequestContext& context) { return removeInitiator(context, iscsiInitiatorKind()); }});
+    router.add({"PUT", "/iscsi_initiator/{id}",
+                [](RequestContext& context) { return bindInitiator(context, iscsiInitiatorKind()); }});
+    router.add({"DELETE", "/iscsi_initiator/{id}",
+                [](RequestContext& context) { return removeInitiator(context, iscsiInitiatorKind()); }});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -6,7 +6,7 @@ namespace {
 
 constexpr std::size_t kMostEntries = 20000;
 
-} // namespace
+}  // namespace
 
 void Journal::add(JournalEntry entry)
 {
@@ -37,4 +37,4 @@ void Journal::clear()
     m_count = 0;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

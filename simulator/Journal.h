@@ -11,11 +11,11 @@ namespace brevan::sim {
 
 /// A request that has been answered.
 struct JournalEntry {
-    std::uint64_t number = 0; ///< in the order in which they were answered, from 1
+    std::uint64_t number = 0;  ///< in the order in which they were answered, from 1
     std::string method;
-    std::string path;      ///< relative to the device, with its query, escapes resolved: "/lun/7"
-    std::string operation; ///< "GET /lun/{id}"; empty where the array has no such operation
-    int code = 0;          ///< what was answered; 0: done
+    std::string path;       ///< relative to the device, with its query, escapes resolved: "/lun/7"
+    std::string operation;  ///< "GET /lun/{id}"; empty where the array has no such operation
+    int code = 0;           ///< what was answered; 0: done
 };
 
 /// The latest requests, a bounded number of them. Any thread.
@@ -32,6 +32,6 @@ private:
     std::uint64_t m_count = 0;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -31,11 +31,12 @@ void checkOptions(const LioOptions& options)
     }
     // The kernel takes the file's name out of a list that commas divide.
     if (options.volumeDirectory.empty() || options.volumeDirectory.find_first_of(", \n") != std::string::npos) {
-        throw std::invalid_argument("the exposure \"lio\" needs a directory for its volumes, without blanks and commas in its name");
+        throw std::invalid_argument(
+            "the exposure \"lio\" needs a directory for its volumes, without blanks and commas in its name");
     }
 }
 
-} // namespace
+}  // namespace
 
 LioDriver::LioDriver(LioOptions options, std::unique_ptr<ConfigTree> tree)
     : m_options((checkOptions(options), std::move(options))),
@@ -139,7 +140,7 @@ void LioDriver::withdraw(const ExposurePlan& plan)
 
 void LioDriver::withdrawFrom(const std::string& initiator, const ExposurePlan& plan)
 {
-    std::map<std::string, std::string> wanted; // directory of the mapping, WWN
+    std::map<std::string, std::string> wanted;  // directory of the mapping, WWN
     const auto known = plan.find(initiator);
     if (known != plan.end()) {
         for (const auto& [number, volume] : known->second) {
@@ -149,7 +150,8 @@ void LioDriver::withdrawFrom(const std::string& initiator, const ExposurePlan& p
     for (const std::string& name : m_tree->directories(acl(initiator))) {
         const std::string directory = acl(initiator) + "/" + name;
         const std::string exported = m_tree->linkedName(directory + "/" + kMappedLink);
-        const auto volumes = exported.empty() ? std::vector<std::string>() : m_tree->links(portalGroup() + "/lun/" + exported);
+        const auto volumes =
+            exported.empty() ? std::vector<std::string>() : m_tree->links(portalGroup() + "/lun/" + exported);
         const auto wish = wanted.find(name);
         const bool stays = wish != wanted.end() && volumes == std::vector<std::string>{wish->second};
         // Beside the mapped LUNs, an initiator's directory holds others that the kernel itself has put there.
@@ -165,7 +167,7 @@ void LioDriver::withdrawFrom(const std::string& initiator, const ExposurePlan& p
 
 std::map<std::string, std::string> LioDriver::exportedVolumes() const
 {
-    std::map<std::string, std::string> exported; // WWN, directory name
+    std::map<std::string, std::string> exported;  // WWN, directory name
     for (const std::string& name : m_tree->directories(portalGroup() + "/lun")) {
         for (const std::string& wwn : m_tree->links(portalGroup() + "/lun/" + name)) {
             exported[wwn] = name;
@@ -251,4 +253,4 @@ void LioDriver::removeVolume(const ExposedVolume& volume)
     m_files.remove(volume.wwn);
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

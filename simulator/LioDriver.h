@@ -12,17 +12,17 @@
 namespace brevan::sim {
 
 struct LioOptions {
-    std::string root;   ///< "/sys/kernel/config/target"
-    std::string target; ///< iSCSI name
-    std::string portal; ///< ADDRESS:PORT
+    std::string root;    ///< "/sys/kernel/config/target"
+    std::string target;  ///< iSCSI name
+    std::string portal;  ///< ADDRESS:PORT
     std::string volumeDirectory;
-    std::string wwnPrefix;    ///< with what the WWNs of this array begin: what is ours among other targets' volumes
-    bool keepVolumes = false; ///< the data outlives stop(), because the array's state does
+    std::string wwnPrefix;     ///< with what the WWNs of this array begin: what is ours among other targets' volumes
+    bool keepVolumes = false;  ///< the data outlives stop(), because the array's state does
 };
 
-/// Makes volumes disks of the kernel's iSCSI target. Every initiator of the array may log in; it finds the volumes of the plan
-/// under the LUN numbers of the plan. What is there is read from the tree each time, so a change that failed half-way, or an
-/// earlier run that was killed, is put right by the next `apply`.
+/// Makes volumes disks of the kernel's iSCSI target. Every initiator of the array may log in; it finds the volumes of the
+/// plan under the LUN numbers of the plan. What is there is read from the tree each time, so a change that failed half-way,
+/// or an earlier run that was killed, is put right by the next `apply`.
 class LioDriver : public ExposureDriver {
 public:
     /// An option that does not do is a std::invalid_argument.
@@ -54,6 +54,6 @@ private:
     VolumeFiles m_files;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -14,9 +14,9 @@ constexpr std::int64_t kSectorBytes = 512;
 
 struct Size {
     bool thin = false;
-    std::int64_t capacity = 0;  ///< sectors
-    std::int64_t allocated = 0; ///< sectors that the pool gives at once
-    std::int64_t usage = 0;     ///< percent, as the client gave it
+    std::int64_t capacity = 0;   ///< sectors
+    std::int64_t allocated = 0;  ///< sectors that the pool gives at once
+    std::int64_t usage = 0;      ///< percent, as the client gave it
 };
 
 /// Sizes are compared with the pool's before they are narrowed: a client may send anything up to 2^64 - 1.
@@ -26,8 +26,8 @@ Size sizeFor(const RequestContext& context, std::int64_t poolCapacity)
     size.thin = context.body.number("ALLOCTYPE", 1).value_or(0) == 1;
     const std::uint64_t capacity = context.body.requireNumber("CAPACITY", kAnyNumber);
     if (capacity == 0 || capacity > static_cast<std::uint64_t>(poolCapacity)) {
-        throw ApiError(kBadCapacity, "The capacity of " + std::to_string(capacity) + " sectors is not between 1 and the pool's " +
-                                         std::to_string(poolCapacity) + ".");
+        throw ApiError(kBadCapacity, "The capacity of " + std::to_string(capacity) +
+                                         " sectors is not between 1 and the pool's " + std::to_string(poolCapacity) + ".");
     }
     size.capacity = static_cast<std::int64_t>(capacity);
     size.allocated = size.capacity;
@@ -35,7 +35,8 @@ Size sizeFor(const RequestContext& context, std::int64_t poolCapacity)
         const std::uint64_t initial = context.body.number("INITIALALLOCCAPACITY", kAnyNumber).value_or(0);
         if (initial > capacity) {
             throw ApiError(kBadAllocation, "The initial allocation of " + std::to_string(initial) +
-                                               " sectors is larger than the LUN's capacity of " + std::to_string(capacity) + ".");
+                                               " sectors is larger than the LUN's capacity of " + std::to_string(capacity) +
+                                               ".");
         }
         size.allocated = static_cast<std::int64_t>(initial);
         size.usage = static_cast<std::int64_t>(context.body.number("THINCAPACITYUSAGE", 100).value_or(0));
@@ -47,16 +48,18 @@ void allocate(Database& database, const Value& pool, std::int64_t sectors)
 {
     if (database.execute("UPDATE pool SET allocated = allocated + ? WHERE id = ? AND allocated + ? <= capacity",
                          {sectors, pool, sectors}) != 1) {
-        throw ApiError(kPoolFull, "The LUN needs " + std::to_string(sectors) + " sectors, and the storage pool has only " +
-                                      std::to_string(database.number("SELECT capacity - allocated FROM pool WHERE id = ?", {pool})) +
-                                      " left.");
+        throw ApiError(kPoolFull,
+                       "The LUN needs " + std::to_string(sectors) + " sectors, and the storage pool has only " +
+                           std::to_string(database.number("SELECT capacity - allocated FROM pool WHERE id = ?", {pool})) +
+                           " left.");
     }
 }
 
 std::string settingsOf(const RequestContext& context)
 {
     nlohmann::json settings = nlohmann::json::object();
-    for (const char* key : {"WRITEPOLICY", "MIRRORPOLICY", "PREFETCHPOLICY", "PREFETCHVALUE", "DATATRANSFERPOLICY", "INITIALDISTRIBUTEPOLICY"}) {
+    for (const char* key : {"WRITEPOLICY", "MIRRORPOLICY", "PREFETCHPOLICY", "PREFETCHVALUE", "DATATRANSFERPOLICY",
+                            "INITIALDISTRIBUTEPOLICY"}) {
         if (const auto value = context.body.number(key, kAnyNumber)) {
             settings[key] = std::to_string(*value);
         }
@@ -97,22 +100,31 @@ Answer removeLun(RequestContext& context)
     Database& database = context.database();
     const Value id = existingId(database, lunKind(), context.id);
     const std::string wwn = database.text("SELECT wwn FROM lun WHERE id = ?", {id});
-    database.execute("UPDATE pool SET allocated = allocated - (SELECT allocated FROM lun WHERE id = ?1) "
-                     "WHERE id = (SELECT pool_id FROM lun WHERE id = ?1)", {id});
-    Answer answer = removeObject(context, lunKind(),
-                                 {{"SELECT 1 FROM lun_group_member WHERE volume_type = 11 AND volume_id = ?", kVolumeInLunGroup,
-                                   "is in a LUN group: remove it there first."},
-                                  {"SELECT 1 FROM snapshot WHERE lun_id = ?", kLunHasSnapshots, "has snapshots: delete them first."}});
+    database.execute(
+        "UPDATE pool SET allocated = allocated - (SELECT allocated FROM lun WHERE id = ?1) "
+        "WHERE id = (SELECT pool_id FROM lun WHERE id = ?1)",
+        {id});
+    Answer answer =
+        removeObject(context, lunKind(),
+                     {{"SELECT 1 FROM lun_group_member WHERE volume_type = 11 AND volume_id = ?", kVolumeInLunGroup,
+                       "is in a LUN group: remove it there first."},
+                      {"SELECT 1 FROM snapshot WHERE lun_id = ?", kLunHasSnapshots, "has snapshots: delete them first."}});
     context.afterwards.emplace_back([&context, wwn] { context.array.exposure->removeVolume({wwn, 0}); });
     return answer;
 }
 
-} // namespace
+}  // namespace
 
 const ResourceKind& lunKind()
 {
     static const ResourceKind kKind{
-        "LUN", "lun", ObjectType::kLun, kUnknownLun, true, true, "1",
+        "LUN",
+        "lun",
+        ObjectType::kLun,
+        kUnknownLun,
+        true,
+        true,
+        "1",
         {
             {"ID", "id", Form::kText, Match::kNumber},
             {"NAME", "name", Form::kText, Match::kText},
@@ -142,7 +154,8 @@ const ResourceKind& lunKind()
             {"", "settings", Form::kMembers},
         },
         {
-            {ObjectType::kLunGroup, "id IN (SELECT volume_id FROM lun_group_member WHERE group_id = ? AND volume_type = 11)"},
+            {ObjectType::kLunGroup,
+             "id IN (SELECT volume_id FROM lun_group_member WHERE group_id = ? AND volume_type = 11)"},
             {ObjectType::kHost, "id IN (SELECT volume_id FROM host_volume WHERE host_id = ? AND volume_type = 11)"},
             {ObjectType::kPool, "pool_id = ?"},
         }};
@@ -156,4 +169,4 @@ void addLunRoutes(Router& router)
     router.add({"DELETE", "/lun/{id}", removeLun});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

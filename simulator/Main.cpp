@@ -59,7 +59,7 @@ int serve(ProgramOptions options)
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv)
 {

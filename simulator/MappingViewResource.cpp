@@ -39,11 +39,13 @@ Answer associate(RequestContext& context)
         context.exposureChanged = true;
         return {};
     }
-    if (context.database().exists("SELECT 1 FROM mapping_view WHERE id = ? AND " + column + " = ?", {request.owner, request.member})) {
-        throw ApiError(kAlreadyInView, described(*request.memberKind, request.memberText) + " is already in the mapping view " +
-                                           inQuotes(request.ownerText) + ".");
+    if (context.database().exists("SELECT 1 FROM mapping_view WHERE id = ? AND " + column + " = ?",
+                                  {request.owner, request.member})) {
+        throw ApiError(kAlreadyInView, described(*request.memberKind, request.memberText) +
+                                           " is already in the mapping view " + inQuotes(request.ownerText) + ".");
     }
-    throw ApiError(kViewHasAnother, described(mappingViewKind(), request.ownerText) + " has another " + request.memberKind->name +
+    throw ApiError(kViewHasAnother, described(mappingViewKind(), request.ownerText) + " has another " +
+                                        request.memberKind->name +
                                         " already: a view joins one LUN group and one host group.");
 }
 
@@ -60,23 +62,28 @@ Answer dissociate(RequestContext& context)
     return {};
 }
 
-} // namespace
+}  // namespace
 
 const ResourceKind& mappingViewKind()
 {
-    static const ResourceKind kKind{
-        "mapping view", "mapping_view", ObjectType::kMappingView, kUnknownMappingView, true, true, "1",
-        {
-            {"ID", "id", Form::kText, Match::kNumber},
-            {"NAME", "name", Form::kText, Match::kText},
-            {"TYPE", "245"},
-            {"DESCRIPTION", "description"},
-            {"ENABLEINBANDCOMMAND", "iif(in_band = 1, 'true', 'false')"},
-        },
-        {
-            {ObjectType::kLunGroup, "lun_group_id = ?"},
-            {ObjectType::kHostGroup, "host_group_id = ?"},
-        }};
+    static const ResourceKind kKind{"mapping view",
+                                    "mapping_view",
+                                    ObjectType::kMappingView,
+                                    kUnknownMappingView,
+                                    true,
+                                    true,
+                                    "1",
+                                    {
+                                        {"ID", "id", Form::kText, Match::kNumber},
+                                        {"NAME", "name", Form::kText, Match::kText},
+                                        {"TYPE", "245"},
+                                        {"DESCRIPTION", "description"},
+                                        {"ENABLEINBANDCOMMAND", "iif(in_band = 1, 'true', 'false')"},
+                                    },
+                                    {
+                                        {ObjectType::kLunGroup, "lun_group_id = ?"},
+                                        {ObjectType::kHostGroup, "host_group_id = ?"},
+                                    }};
     return kKind;
 }
 
@@ -89,4 +96,4 @@ void addMappingViewRoutes(Router& router)
     router.add({"DELETE", "/mappingview/{id}", removeMappingView});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

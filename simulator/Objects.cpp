@@ -22,7 +22,8 @@ Answer readOne(RequestContext& context, const ResourceKind& kind)
         const std::string table = kind.table;
         if (context.database().number("SELECT unsettled FROM " + table + " WHERE id = ?", {id}) > 0) {
             context.database().execute("UPDATE " + table + " SET unsettled = unsettled - 1 WHERE id = ?", {id});
-            return {kNotReadableYet, described(kind, context.id) + " was just created and cannot be read yet.", nlohmann::json::object()};
+            return {kNotReadableYet, described(kind, context.id) + " was just created and cannot be read yet.",
+                    nlohmann::json::object()};
         }
     }
     return recordAnswer(context, kind, id);
@@ -66,11 +67,13 @@ std::int64_t newId(RequestContext& context)
     }
     const auto number = decimal(wanted);
     if (!number || *number > kLargestChosenId || std::to_string(*number) != wanted) {
-        throw ApiError(kBadParameter, "The ID " + inQuotes(wanted) + " is not a number from 0 to " + std::to_string(kLargestChosenId) + ".");
+        throw ApiError(kBadParameter, "The ID " + inQuotes(wanted) + " is not a number from 0 to " +
+                                          std::to_string(kLargestChosenId) + ".");
     }
     const auto id = static_cast<std::int64_t>(*number);
     if (context.database().execute("UPDATE counter SET next = ? + 1 WHERE name = 'object' AND next <= ?", {id, id}) != 1) {
-        throw ApiError(kIdTaken, "The ID " + inQuotes(wanted) + " is or was taken: IDs never come back. Leave it out to get a free one.");
+        throw ApiError(kIdTaken, "The ID " + inQuotes(wanted) +
+                                     " is or was taken: IDs never come back. Leave it out to get a free one.");
     }
     return id;
 }
@@ -81,7 +84,8 @@ AssociationRequest association(RequestContext& context, const ResourceKind& owne
     const auto wanted = std::find_if(types.begin(), types.end(),
                                      [type](ObjectType candidate) { return static_cast<std::uint64_t>(candidate) == type; });
     if (wanted == types.end()) {
-        throw ApiError(kBadParameter, "Objects of type " + std::to_string(type) + " cannot be associated with a " + owner.name + ".");
+        throw ApiError(kBadParameter,
+                       "Objects of type " + std::to_string(type) + " cannot be associated with a " + owner.name + ".");
     }
     AssociationRequest request;
     request.owner = existingId(context.database(), owner, ownerId);
@@ -93,7 +97,7 @@ AssociationRequest association(RequestContext& context, const ResourceKind& owne
     return request;
 }
 
-} // namespace
+}  // namespace
 
 void addReadRoutes(Router& router, const ResourceKind& kind, const std::string& collection, const std::string& single)
 {
@@ -144,7 +148,8 @@ Answer removeObject(RequestContext& context, const ResourceKind& kind, std::init
     return {};
 }
 
-AssociationRequest associationFromBody(RequestContext& context, const ResourceKind& owner, std::initializer_list<ObjectType> types)
+AssociationRequest associationFromBody(RequestContext& context, const ResourceKind& owner,
+                                       std::initializer_list<ObjectType> types)
 {
     checkBodyType(context, owner);
     const std::string ownerId = context.body.requireText("ID");
@@ -152,7 +157,8 @@ AssociationRequest associationFromBody(RequestContext& context, const ResourceKi
     return association(context, owner, types, type, ownerId, context.body.requireText("ASSOCIATEOBJID"));
 }
 
-AssociationRequest associationFromQuery(RequestContext& context, const ResourceKind& owner, std::initializer_list<ObjectType> types)
+AssociationRequest associationFromQuery(RequestContext& context, const ResourceKind& owner,
+                                        std::initializer_list<ObjectType> types)
 {
     const std::string ownerId = context.query.require("ID");
     const std::string type = context.query.require("ASSOCIATEOBJTYPE");
@@ -166,7 +172,8 @@ std::string described(const ResourceKind& kind, const std::string& id)
 
 const ResourceKind* kindOfType(ObjectType type)
 {
-    for (const ResourceKind* kind : {&lunKind(), &snapshotKind(), &lunGroupKind(), &hostKind(), &hostGroupKind(), &mappingViewKind(), &poolKind()}) {
+    for (const ResourceKind* kind :
+         {&lunKind(), &snapshotKind(), &lunGroupKind(), &hostKind(), &hostGroupKind(), &mappingViewKind(), &poolKind()}) {
         if (kind->type == type) {
             return kind;
         }
@@ -174,4 +181,4 @@ const ResourceKind* kindOfType(ObjectType type)
     return nullptr;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -32,7 +32,7 @@ Answer recordAnswer(RequestContext& context, const ResourceKind& kind, const Val
 struct Obstacle {
     const char* sql;
     int code;
-    const char* text; ///< behind "The LUN 7 "
+    const char* text;  ///< behind "The LUN 7 "
 };
 Answer removeObject(RequestContext& context, const ResourceKind& kind, std::initializer_list<Obstacle> obstacles);
 
@@ -46,8 +46,10 @@ struct AssociationRequest {
     std::string memberText;
 };
 /// Both objects exist, and the member is of one of the `types`; otherwise an ApiError.
-AssociationRequest associationFromBody(RequestContext& context, const ResourceKind& owner, std::initializer_list<ObjectType> types);
-AssociationRequest associationFromQuery(RequestContext& context, const ResourceKind& owner, std::initializer_list<ObjectType> types);
+AssociationRequest associationFromBody(RequestContext& context, const ResourceKind& owner,
+                                       std::initializer_list<ObjectType> types);
+AssociationRequest associationFromQuery(RequestContext& context, const ResourceKind& owner,
+                                        std::initializer_list<ObjectType> types);
 
 /// "The LUN '7'", for texts.
 std::string described(const ResourceKind& kind, const std::string& id);
@@ -64,6 +66,6 @@ void addIscsiInitiatorRoutes(Router& router);
 void addFcInitiatorRoutes(Router& router);
 void addPortRoutes(Router& router);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -7,7 +7,13 @@ namespace {
 /// All kinds of ports share a table; what only one kind has stands in its column "details".
 ResourceKind portKind(const char* name, int unknownCode, const char* restriction)
 {
-    return {name, "port", ObjectType::kNone, unknownCode, true, false, restriction,
+    return {name,
+            "port",
+            ObjectType::kNone,
+            unknownCode,
+            true,
+            false,
+            restriction,
             {
                 {"ID", "id", Form::kText, Match::kNumber},
                 {"NAME", "name", Form::kText, Match::kText},
@@ -20,7 +26,7 @@ ResourceKind portKind(const char* name, int unknownCode, const char* restriction
             {}};
 }
 
-} // namespace
+}  // namespace
 
 void addPortRoutes(Router& router)
 {
@@ -32,4 +38,4 @@ void addPortRoutes(Router& router)
     addReadRoutes(router, kEthPort, "/ETH_PORT", "/ETH_PORT");
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -16,9 +16,9 @@ struct FactoryPort {
     const char* kind;
     const char* name;
     const char* location;
-    std::int64_t logicType; ///< 0: for hosts, 3: for management
+    std::int64_t logicType;  ///< 0: for hosts, 3: for management
     std::int64_t running;
-    nlohmann::json details; ///< every value as the text that a client gets
+    nlohmann::json details;  ///< every value as the text that a client gets
 };
 
 /// A port name of NAA type 2, made from the array's own digits and the port's number.
@@ -31,27 +31,40 @@ std::string portWwn(const std::string& deviceId, int number)
 
 nlohmann::json fcDetails(const std::string& wwn)
 {
-    return {{"RUNSPEED", "16000"}, {"CONFSPEED", "0"},  {"WWN", wwn},          {"INIORTGT", "3"},
-            {"FCRUNMODE", "1"},    {"LOSTSIGNALS", "0"}, {"BADCHARNUMBER", "0"}, {"LOSTSYNC", "0"},
-            {"LINKFAIL", "0"},     {"STARTTIME", kStartTime}, {"FLOGINDELAYTIMES", "0"}, {"MAXSUPPORTSPEED", "16000"}};
+    return {{"RUNSPEED", "16000"},     {"CONFSPEED", "0"},        {"WWN", wwn},
+            {"INIORTGT", "3"},         {"FCRUNMODE", "1"},        {"LOSTSIGNALS", "0"},
+            {"BADCHARNUMBER", "0"},    {"LOSTSYNC", "0"},         {"LINKFAIL", "0"},
+            {"STARTTIME", kStartTime}, {"FLOGINDELAYTIMES", "0"}, {"MAXSUPPORTSPEED", "16000"}};
 }
 
 nlohmann::json fcoeDetails(const std::string& wwn)
 {
-    return {{"RUNSPEED", "10000"}, {"WWN", wwn}, {"INIORTGT", "3"}, {"ERRORPACKETS", "0"}, {"LOSTPACKETS", "0"},
-            {"OVERFLOWEDPACKETS", "0"}, {"STARTTIME", kStartTime}, {"VLANID", "100"}};
+    return {{"RUNSPEED", "10000"},     {"WWN", wwn},         {"INIORTGT", "3"},
+            {"ERRORPACKETS", "0"},     {"LOSTPACKETS", "0"}, {"OVERFLOWEDPACKETS", "0"},
+            {"STARTTIME", kStartTime}, {"VLANID", "100"}};
 }
 
 nlohmann::json ethDetails(const ServerOptions& options, const std::string& address, const std::string& mac)
 {
     const std::size_t colon = options.lioPortal.rfind(':');
     const std::string iscsiPort = colon == std::string::npos ? "3260" : options.lioPortal.substr(colon + 1);
-    return {{"MACADDRESS", mac}, {"INIORTGT", "4"}, {"MTU", "1500"}, {"ISCSITCPPORT", iscsiPort}, {"ISCSINAME", targetName(options)},
-            {"ERRORPACKETS", "0"}, {"LOSTPACKETS", "0"}, {"OVERFLOWEDPACKETS", "0"}, {"STARTTIME", kStartTime}, {"SPEED", "10000"},
-            {"IPV4MASK", address.empty() ? "" : "255.0.0.0"}, {"IPV4ADDRESS", address}, {"IPV6MASK", ""}, {"IPV6ADDRESS", ""}};
+    return {{"MACADDRESS", mac},
+            {"INIORTGT", "4"},
+            {"MTU", "1500"},
+            {"ISCSITCPPORT", iscsiPort},
+            {"ISCSINAME", targetName(options)},
+            {"ERRORPACKETS", "0"},
+            {"LOSTPACKETS", "0"},
+            {"OVERFLOWEDPACKETS", "0"},
+            {"STARTTIME", kStartTime},
+            {"SPEED", "10000"},
+            {"IPV4MASK", address.empty() ? "" : "255.0.0.0"},
+            {"IPV4ADDRESS", address},
+            {"IPV6MASK", ""},
+            {"IPV6ADDRESS", ""}};
 }
 
-} // namespace
+}  // namespace
 
 std::string targetName(const ServerOptions& options)
 {
@@ -85,4 +98,4 @@ void addFactoryPorts(Array& array)
     }
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -11,6 +11,6 @@ void addFactoryPorts(Array& array);
 /// The name of the array's iSCSI target.
 std::string targetName(const ServerOptions& options);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -39,7 +39,8 @@ nlohmann::json recordFrom(const Statement& row, const ResourceKind& kind)
         if (field.form == Form::kMembers) {
             record.update(nlohmann::json::parse(row.text(column)));
         } else if (!row.isNull(column)) {
-            record[field.key] = field.form == Form::kNumber ? nlohmann::json(row.number(column)) : nlohmann::json(row.text(column));
+            record[field.key] =
+                field.form == Form::kNumber ? nlohmann::json(row.number(column)) : nlohmann::json(row.text(column));
         }
         ++column;
     }
@@ -104,7 +105,8 @@ void addAssociation(Condition& condition, Database& database, const ResourceKind
             return;
         }
     }
-    throw ApiError(kBadQuery, "A " + std::string(kind.name) + " has no association with objects of type " + inQuotes(type) + ".");
+    throw ApiError(kBadQuery,
+                   "A " + std::string(kind.name) + " has no association with objects of type " + inQuotes(type) + ".");
 }
 
 Condition conditionOf(Database& database, const ResourceKind& kind, const RequestQuery& query)
@@ -121,7 +123,7 @@ Condition conditionOf(Database& database, const ResourceKind& kind, const Reques
     throw ApiError(kind.unknownCode, "The " + std::string(kind.name) + " " + inQuotes(id) + " does not exist.");
 }
 
-} // namespace
+}  // namespace
 
 Value existingId(Database& database, const ResourceKind& kind, const std::string& id)
 {
@@ -129,7 +131,8 @@ Value existingId(Database& database, const ResourceKind& kind, const std::string
     if (kind.numericId) {
         const auto number = decimal(id);
         // Only the array's own spelling is an ID: "007" is no object.
-        if (!number || std::to_string(*number) != id || *number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
+        if (!number || std::to_string(*number) != id ||
+            *number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
             unknown(kind, id);
         }
         value = static_cast<std::int64_t>(*number);
@@ -161,7 +164,8 @@ nlohmann::json readRecords(Database& database, const ResourceKind& kind, const R
         records.push_back(recordFrom(row, kind));
     }
     if (records.size() > kMostRecords) {
-        throw ApiError(kTooManyRecords, "The list is longer than " + std::to_string(kMostRecords) + " records: ask for a range.");
+        throw ApiError(kTooManyRecords,
+                       "The list is longer than " + std::to_string(kMostRecords) + " records: ask for a range.");
     }
     return records;
 }
@@ -169,8 +173,9 @@ nlohmann::json readRecords(Database& database, const ResourceKind& kind, const R
 std::int64_t countRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
 {
     const Condition condition = conditionOf(database, kind, query);
-    return database.number(std::string("SELECT count(*) FROM ") + kind.table + " WHERE (" + kind.restriction + ")" + condition.sql,
-                           condition.parameters);
+    return database.number(
+        std::string("SELECT count(*) FROM ") + kind.table + " WHERE (" + kind.restriction + ")" + condition.sql,
+        condition.parameters);
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -25,6 +25,6 @@ nlohmann::json readRecords(Database& database, const ResourceKind& kind, const R
 /// How many objects filter and association of the query ask for.
 std::int64_t countRecords(Database& database, const ResourceKind& kind, const RequestQuery& query);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

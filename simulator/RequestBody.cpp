@@ -17,38 +17,15 @@ constexpr std::size_t kMostKeys = 64;
 /// Takes the object's members as they are parsed, so that nothing deep and nothing double is ever built.
 class FlatObjectReader : public nlohmann::json_sax<nlohmann::json> {
 public:
-    explicit FlatObjectReader(std::map<std::string, nlohmann::json>& values) : m_values(values)
-    {
-    }
+    explicit FlatObjectReader(std::map<std::string, nlohmann::json>& values) : m_values(values) {}
 
-    bool null() override
-    {
-        return take(nullptr);
-    }
-    bool boolean(bool value) override
-    {
-        return take(value);
-    }
-    bool number_integer(number_integer_t value) override
-    {
-        return take(value);
-    }
-    bool number_unsigned(number_unsigned_t value) override
-    {
-        return take(value);
-    }
-    bool number_float(number_float_t value, const string_t&) override
-    {
-        return take(value);
-    }
-    bool string(string_t& value) override
-    {
-        return take(std::move(value));
-    }
-    bool binary(binary_t&) override
-    {
-        return false;
-    }
+    bool null() override { return take(nullptr); }
+    bool boolean(bool value) override { return take(value); }
+    bool number_integer(number_integer_t value) override { return take(value); }
+    bool number_unsigned(number_unsigned_t value) override { return take(value); }
+    bool number_float(number_float_t value, const string_t&) override { return take(value); }
+    bool string(string_t& value) override { return take(std::move(value)); }
+    bool binary(binary_t&) override { return false; }
     bool start_object(std::size_t) override
     {
         return m_inside ? stop("holds an object inside the object") : (m_inside = true);
@@ -61,27 +38,15 @@ public:
         }
         return m_values.size() < kMostKeys || stop("has more than " + std::to_string(kMostKeys) + " keys");
     }
-    bool end_object() override
-    {
-        return true;
-    }
-    bool start_array(std::size_t) override
-    {
-        return stop("holds a list");
-    }
-    bool end_array() override
-    {
-        return true;
-    }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return stop("holds a list"); }
+    bool end_array() override { return true; }
     bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception&) override
     {
         return stop("is not JSON at byte " + std::to_string(position));
     }
 
-    const std::string& problem() const
-    {
-        return m_problem;
-    }
+    const std::string& problem() const { return m_problem; }
 
 private:
     bool take(nlohmann::json value)
@@ -104,7 +69,7 @@ private:
     bool m_inside = false;
 };
 
-} // namespace
+}  // namespace
 
 RequestBody::RequestBody(const std::string& text)
 {
@@ -183,4 +148,4 @@ bool RequestBody::flag(const std::string& key) const
     return true;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -10,8 +10,8 @@
 
 namespace brevan::sim {
 
-/// The JSON object that a request carries: flat, at most 64 keys, each once. Everything else is an ApiError (kBadBody), and so
-/// is a value of another type than asked for (kBadParameter). Keys that an operation does not ask for are ignored.
+/// The JSON object that a request carries: flat, at most 64 keys, each once. Everything else is an ApiError (kBadBody), and
+/// so is a value of another type than asked for (kBadParameter). Keys that an operation does not ask for are ignored.
 class RequestBody {
 public:
     RequestBody() = default;
@@ -32,6 +32,6 @@ private:
     std::map<std::string, nlohmann::json> m_values;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

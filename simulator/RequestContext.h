@@ -29,17 +29,14 @@ struct RequestContext {
     const WireRequest& wire;
     RequestQuery query;
     RequestBody body;
-    std::string id; ///< of the object that the path names
+    std::string id;  ///< of the object that the path names
     std::vector<std::pair<std::string, std::string>> replyHeaders;
-    bool exposureChanged = false; ///< set by what may change who sees which volume
-    std::vector<std::function<void()>> afterwards; ///< what cannot be undone: done once the change is kept
+    bool exposureChanged = false;                   ///< set by what may change who sees which volume
+    std::vector<std::function<void()>> afterwards;  ///< what cannot be undone: done once the change is kept
 
-    Database& database()
-    {
-        return array.database;
-    }
+    Database& database() { return array.database; }
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -49,8 +49,9 @@ std::string journalPath(const Target& target)
 Router allRoutes()
 {
     Router router;
-    for (const auto add : {addSessionRoutes, addPoolRoutes, addLunRoutes, addSnapshotRoutes, addLunGroupRoutes, addHostRoutes,
-                           addHostGroupRoutes, addMappingViewRoutes, addIscsiInitiatorRoutes, addFcInitiatorRoutes, addPortRoutes}) {
+    for (const auto add :
+         {addSessionRoutes, addPoolRoutes, addLunRoutes, addSnapshotRoutes, addLunGroupRoutes, addHostRoutes,
+          addHostGroupRoutes, addMappingViewRoutes, addIscsiInitiatorRoutes, addFcInitiatorRoutes, addPortRoutes}) {
         add(router);
     }
     return router;
@@ -83,16 +84,14 @@ std::string oneLine(std::string text)
     return text;
 }
 
-} // namespace
+}  // namespace
 
 WireReply errorReply(unsigned status, int code, const std::string& text)
 {
     return wireReply(status, {code, text, nlohmann::json::object()});
 }
 
-RequestPipeline::RequestPipeline(Array& array) : m_array(array), m_router(allRoutes())
-{
-}
+RequestPipeline::RequestPipeline(Array& array) : m_array(array), m_router(allRoutes()) {}
 
 WireReply RequestPipeline::handle(const WireRequest& request)
 {
@@ -118,7 +117,8 @@ WireReply RequestPipeline::handle(const WireRequest& request)
     return reply;
 }
 
-Answer RequestPipeline::answer(const WireRequest& request, JournalEntry& entry, std::vector<std::pair<std::string, std::string>>& headers)
+Answer RequestPipeline::answer(const WireRequest& request, JournalEntry& entry,
+                               std::vector<std::pair<std::string, std::string>>& headers)
 {
     const Target target = parseTarget(request.target);
     entry.path = target.path.empty() ? request.target : journalPath(target);
@@ -194,10 +194,12 @@ void RequestPipeline::perform(const std::function<void(RequestContext&)>& work)
     const std::lock_guard<std::mutex> lock(m_mutex);
     const WireRequest none;
     RequestContext context{m_array, none, {}, {}, {}, {}, false, {}};
-    run([&work](RequestContext& inner) {
-        work(inner);
-        return Answer();
-    }, context);
+    run(
+        [&work](RequestContext& inner) {
+            work(inner);
+            return Answer();
+        },
+        context);
 }
 
 void RequestPipeline::alone(const std::function<void(Array&)>& work)
@@ -226,4 +228,4 @@ const Router& RequestPipeline::router() const
     return m_router;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

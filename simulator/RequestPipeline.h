@@ -11,8 +11,8 @@
 
 namespace brevan::sim {
 
-/// The one way that every request takes, whatever carried it: route, fault, session, transaction, operation, exposure, journal.
-/// Any thread; the array works on one request at a time.
+/// The one way that every request takes, whatever carried it: route, fault, session, transaction, operation, exposure,
+/// journal. Any thread; the array works on one request at a time.
 class RequestPipeline {
 public:
     explicit RequestPipeline(Array& array);
@@ -34,7 +34,8 @@ public:
     const Router& router() const;
 
 private:
-    Answer answer(const WireRequest& request, JournalEntry& entry, std::vector<std::pair<std::string, std::string>>& headers);
+    Answer answer(const WireRequest& request, JournalEntry& entry,
+                  std::vector<std::pair<std::string, std::string>>& headers);
     Answer run(const Handler& handler, RequestContext& context);
     void followExposure(Database& database);
     void checkSession(const WireRequest& request);
@@ -49,6 +50,6 @@ private:
 /// A reply that carries only an error, for what cannot even be a request.
 WireReply errorReply(unsigned status, int code, const std::string& text);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

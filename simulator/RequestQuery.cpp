@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::array kParameters{"filter", "range", "TYPE", "ID", "ASSOCIATEOBJTYPE", "ASSOCIATEOBJID"};
 
-} // namespace
+}  // namespace
 
 RequestQuery::RequestQuery(std::string_view text)
 {
@@ -96,4 +96,4 @@ const std::optional<Range>& RequestQuery::range() const
     return m_range;
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

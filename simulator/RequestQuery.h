@@ -17,8 +17,8 @@ struct Range {
     std::uint64_t last = 0;
 };
 
-/// What stands behind the "?": "filter=NAME:x and ID:y", "range=[a-b]", and single values such as "TYPE=11". A text of another
-/// form, a parameter that the array does not know and one that is given twice are an ApiError (kBadQuery).
+/// What stands behind the "?": "filter=NAME:x and ID:y", "range=[a-b]", and single values such as "TYPE=11". A text of
+/// another form, a parameter that the array does not know and one that is given twice are an ApiError (kBadQuery).
 class RequestQuery {
 public:
     RequestQuery() = default;
@@ -41,6 +41,6 @@ private:
     std::optional<Range> m_range;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -39,13 +39,13 @@ struct Association {
 
 /// Everything that reading, listing, counting and filtering needs to know about a kind of object.
 struct ResourceKind {
-    const char* name;   ///< in texts for people: "LUN group"
+    const char* name;  ///< in texts for people: "LUN group"
     const char* table;
     ObjectType type;
-    int unknownCode;    ///< answered where there is no such object
+    int unknownCode;  ///< answered where there is no such object
     bool numericId;
-    bool settles;       ///< a new object may be unreadable for some reads
-    const char* restriction; ///< a condition on every read; "1" where there is none
+    bool settles;             ///< a new object may be unreadable for some reads
+    const char* restriction;  ///< a condition on every read; "1" where there is none
     std::vector<Field> fields;
     std::vector<Association> associations;
 };
@@ -63,6 +63,6 @@ const ResourceKind& fcInitiatorKind();
 /// The kind that clients name by this number; null where there is none.
 const ResourceKind* kindOfType(ObjectType type);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -24,7 +24,7 @@ bool fits(const std::vector<std::string>& pattern, const std::vector<std::string
     return true;
 }
 
-} // namespace
+}  // namespace
 
 std::string Route::operation() const
 {
@@ -59,4 +59,4 @@ bool Router::hasOperation(const std::string& operation) const
                        [&operation](const Entry& entry) { return entry.route.operation() == operation; });
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -12,8 +12,8 @@ namespace brevan::sim {
 
 using Handler = std::function<Answer(RequestContext&)>;
 
-/// One operation of the array: a method, a path and what it does. In a pattern, "{id}" stands for one part of the path that is
-/// not empty; all else is compared to the letter, a slash at the end included.
+/// One operation of the array: a method, a path and what it does. In a pattern, "{id}" stands for one part of the path that
+/// is not empty; all else is compared to the letter, a slash at the end included.
 struct Route {
     std::string method;
     std::string pattern;
@@ -25,8 +25,8 @@ struct Route {
 };
 
 struct RouteMatch {
-    const Route* route = nullptr; ///< null: the array has no such operation
-    std::string id;               ///< what "{id}" stood for, decoded
+    const Route* route = nullptr;  ///< null: the array has no such operation
+    std::string id;                ///< what "{id}" stood for, decoded
 };
 
 class Router {
@@ -44,6 +44,6 @@ private:
     std::vector<Entry> m_entries;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

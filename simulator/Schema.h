@@ -9,6 +9,6 @@ extern const char* const kSchema;
 /// Written into every database file, so that a file of another schema is noticed.
 constexpr int kSchemaVersion = 1;
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -25,7 +25,7 @@ std::string hex(const unsigned char* bytes, std::size_t count)
     return text;
 }
 
-} // namespace
+}  // namespace
 
 std::string randomHex(std::size_t bytes)
 {
@@ -56,7 +56,8 @@ std::string sealed(const std::string& secret)
 
 bool opens(const std::string& seal, const std::string& secret)
 {
-    return seal.size() > kSaltDigits && equalInConstantTime(seal.substr(kSaltDigits), sha256(seal.substr(0, kSaltDigits) + secret));
+    return seal.size() > kSaltDigits &&
+           equalInConstantTime(seal.substr(kSaltDigits), sha256(seal.substr(0, kSaltDigits) + secret));
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -17,6 +17,6 @@ bool equalInConstantTime(const std::string& left, const std::string& right);
 std::string sealed(const std::string& secret);
 bool opens(const std::string& seal, const std::string& secret);
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

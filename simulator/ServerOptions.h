@@ -19,10 +19,10 @@ struct PoolOption {
 enum class Exposure { kNone, kLio, kTree };
 
 struct ServerOptions {
-    std::string address = "127.0.0.1"; ///< an IPv4 or IPv6 literal
-    std::uint16_t port = 0;            ///< 0: one that the system chooses
-    std::string serverName;            ///< a further name in the certificate
-    std::string caFile;                ///< where the certificate authority is written; empty: a file of our own until stop()
+    std::string address = "127.0.0.1";  ///< an IPv4 or IPv6 literal
+    std::uint16_t port = 0;             ///< 0: one that the system chooses
+    std::string serverName;             ///< a further name in the certificate
+    std::string caFile;  ///< where the certificate authority is written; empty: a file of our own until stop()
     unsigned threads = 2;
 
     std::string user = "admin";
@@ -32,23 +32,23 @@ struct ServerOptions {
     /// Sessions age by this clock; tests set it.
     std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
 
-    std::string deviceId = "210000000001"; ///< letters, digits, "-" and "_"; WWNs derive from it
+    std::string deviceId = "210000000001";  ///< letters, digits, "-" and "_"; WWNs derive from it
     std::vector<PoolOption> pools{{"0", "pool0", 1024}};
-    std::vector<std::string> iscsiInitiators; ///< free ones that exist from the start
-    unsigned settleReads = 0;                 ///< how many reads of a new object answer "not readable yet"
-    std::string database = ":memory:";        ///< or a file, which keeps the state
+    std::vector<std::string> iscsiInitiators;  ///< free ones that exist from the start
+    unsigned settleReads = 0;                  ///< how many reads of a new object answer "not readable yet"
+    std::string database = ":memory:";         ///< or a file, which keeps the state
 
     Exposure exposure = Exposure::kNone;
     std::string lioPortal = "127.0.0.1:3260";
-    std::string lioTarget; ///< empty: made from the device ID
+    std::string lioTarget;  ///< empty: made from the device ID
     std::string lioRoot = "/sys/kernel/config/target";
-    std::string volumeDirectory; ///< of `lio`: one sparse file a volume
-    std::string treeDirectory;   ///< of `tree`: one file an initiator
+    std::string volumeDirectory;  ///< of `lio`: one sparse file a volume
+    std::string treeDirectory;    ///< of `tree`: one file an initiator
 
     /// Gets one line a request, without secrets. May be called by several threads at once.
     std::function<void(const std::string&)> requestLog;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

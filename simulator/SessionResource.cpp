@@ -43,7 +43,7 @@ Answer logOut(RequestContext& context)
     return {};
 }
 
-} // namespace
+}  // namespace
 
 void addSessionRoutes(Router& router)
 {
@@ -52,4 +52,4 @@ void addSessionRoutes(Router& router)
     router.add({"DELETE", "/sessions", logOut});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -24,7 +24,7 @@ std::string cookieValue(const std::string& header)
     return {};
 }
 
-} // namespace
+}  // namespace
 
 SessionStore::SessionStore(std::size_t most, std::chrono::seconds idle, std::function<Clock::time_point()> now)
     : m_most(most), m_idle(idle), m_now(std::move(now))
@@ -80,4 +80,4 @@ void SessionStore::closeIdle()
     }
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -21,7 +21,7 @@ public:
     };
     struct Credentials {
         std::string token;
-        std::string cookie; ///< "session=..." without attributes
+        std::string cookie;  ///< "session=..." without attributes
     };
 
     SessionStore(std::size_t most, std::chrono::seconds idle, std::function<Clock::time_point()> now);
@@ -39,9 +39,9 @@ private:
     std::size_t m_most;
     std::chrono::seconds m_idle;
     std::function<Clock::time_point()> m_now;
-    std::unordered_map<std::string, Session> m_sessions; ///< by the hash of the cookie's value
+    std::unordered_map<std::string, Session> m_sessions;  ///< by the hash of the cookie's value
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -34,18 +34,24 @@ Answer removeSnapshot(RequestContext& context)
     const Value id = existingId(context.database(), snapshotKind(), context.id);
     const std::string wwn = context.database().text("SELECT wwn FROM snapshot WHERE id = ?", {id});
     Answer answer = removeObject(context, snapshotKind(),
-                                 {{"SELECT 1 FROM lun_group_member WHERE volume_type = 27 AND volume_id = ?", kVolumeInLunGroup,
-                                   "is in a LUN group: remove it there first."}});
+                                 {{"SELECT 1 FROM lun_group_member WHERE volume_type = 27 AND volume_id = ?",
+                                   kVolumeInLunGroup, "is in a LUN group: remove it there first."}});
     context.afterwards.emplace_back([&context, wwn] { context.array.exposure->removeVolume({wwn, 0}); });
     return answer;
 }
 
-} // namespace
+}  // namespace
 
 const ResourceKind& snapshotKind()
 {
     static const ResourceKind kKind{
-        "snapshot", "snapshot", ObjectType::kSnapshot, kUnknownSnapshot, true, false, "1",
+        "snapshot",
+        "snapshot",
+        ObjectType::kSnapshot,
+        kUnknownSnapshot,
+        true,
+        false,
+        "1",
         {
             {"ID", "id", Form::kText, Match::kNumber},
             {"NAME", "name", Form::kText, Match::kText},
@@ -61,7 +67,8 @@ const ResourceKind& snapshotKind()
             {"WWN", "wwn"},
         },
         {
-            {ObjectType::kLunGroup, "id IN (SELECT volume_id FROM lun_group_member WHERE group_id = ? AND volume_type = 27)"},
+            {ObjectType::kLunGroup,
+             "id IN (SELECT volume_id FROM lun_group_member WHERE group_id = ? AND volume_type = 27)"},
             {ObjectType::kHost, "id IN (SELECT volume_id FROM host_volume WHERE host_id = ? AND volume_type = 27)"},
             {ObjectType::kLun, "lun_id = ?"},
         }};
@@ -76,4 +83,4 @@ void addSnapshotRoutes(Router& router)
     router.add({"DELETE", "/snapshot/{id}", removeSnapshot});
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -1,6 +1,9 @@
 #include "Text.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 namespace brevan::sim {
@@ -22,7 +25,7 @@ bool isLetterOrDigit(char character)
     return (character >= '0' && character <= '9') || (letter >= 'a' && letter <= 'z');
 }
 
-} // namespace
+}  // namespace
 
 std::optional<std::uint64_t> decimal(std::string_view text)
 {
@@ -75,9 +78,8 @@ std::string inQuotes(std::string_view text)
 
 bool hasControlCharacter(std::string_view text)
 {
-    return std::any_of(text.begin(), text.end(), [](char character) {
-        return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
-    });
+    return std::any_of(text.begin(), text.end(),
+                       [](char character) { return static_cast<unsigned char>(character) < 0x20 || character == 0x7f; });
 }
 
 bool startsWith(std::string_view text, std::string_view prefix)
@@ -99,4 +101,10 @@ bool isIscsiName(std::string_view text)
     return known && text.size() > 4 && text.size() <= 223 && consistsOf(text, ".:-_");
 }
 
-} // namespace brevan::sim
+bool isAddress(const std::string& text)
+{
+    std::array<unsigned char, 16> bytes{};
+    return inet_pton(AF_INET, text.c_str(), bytes.data()) == 1 || inet_pton(AF_INET6, text.c_str(), bytes.data()) == 1;
+}
+
+}  // namespace brevan::sim

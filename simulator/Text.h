@@ -30,6 +30,9 @@ bool consistsOf(std::string_view text, std::string_view others);
 /// Whether it is the name of an iSCSI initiator or target that is safe as the name of a file, too.
 bool isIscsiName(std::string_view text);
 
-} // namespace brevan::sim
+/// Whether it is an IPv4 or IPv6 literal.
+bool isAddress(const std::string& text);
+
+}  // namespace brevan::sim
 
 #endif

@@ -21,7 +21,7 @@ std::string listOf(const std::map<unsigned, ExposedVolume>& volumes)
     return text;
 }
 
-} // namespace
+}  // namespace
 
 TreeDriver::TreeDriver(std::string directory) : m_directory(std::move(directory))
 {
@@ -65,16 +65,10 @@ void TreeDriver::stop()
     apply({});
 }
 
-void TreeDriver::createVolume(const ExposedVolume&)
-{
-}
+void TreeDriver::createVolume(const ExposedVolume&) {}
 
-void TreeDriver::copyVolume(const ExposedVolume&, const ExposedVolume&)
-{
-}
+void TreeDriver::copyVolume(const ExposedVolume&, const ExposedVolume&) {}
 
-void TreeDriver::removeVolume(const ExposedVolume&)
-{
-}
+void TreeDriver::removeVolume(const ExposedVolume&) {}
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

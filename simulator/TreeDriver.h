@@ -7,8 +7,8 @@
 
 namespace brevan::sim {
 
-/// Keeps a file for each initiator, named as the initiator, with a line for each volume that it sees, in the order of the LUN
-/// numbers: LUN number, WWN and size in bytes, with blanks between. A reader never finds half a file.
+/// Keeps a file for each initiator, named as the initiator, with a line for each volume that it sees, in the order of the
+/// LUN numbers: LUN number, WWN and size in bytes, with blanks between. A reader never finds half a file.
 class TreeDriver : public ExposureDriver {
 public:
     /// `directory` is made if it is not there; nothing else may live in it.
@@ -23,9 +23,9 @@ public:
 
 private:
     std::string m_directory;
-    std::map<std::string, std::string> m_written; ///< what stands in each initiator's file
+    std::map<std::string, std::string> m_written;  ///< what stands in each initiator's file
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

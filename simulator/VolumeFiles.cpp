@@ -26,17 +26,11 @@ public:
             throw std::system_error(errno, std::generic_category(), "cannot open " + path);
         }
     }
-    ~File()
-    {
-        close(m_descriptor);
-    }
+    ~File() { close(m_descriptor); }
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    int descriptor() const
-    {
-        return m_descriptor;
-    }
+    int descriptor() const { return m_descriptor; }
     void resize(std::uint64_t bytes) const
     {
         if (ftruncate(m_descriptor, static_cast<off_t>(bytes)) != 0) {
@@ -61,9 +55,10 @@ void copyBytes(const File& from, const File& to, off_t begin, off_t end)
     }
 }
 
-} // namespace
+}  // namespace
 
-VolumeFiles::VolumeFiles(std::string directory, std::string prefix) : m_directory(std::move(directory)), m_prefix(std::move(prefix))
+VolumeFiles::VolumeFiles(std::string directory, std::string prefix)
+    : m_directory(std::move(directory)), m_prefix(std::move(prefix))
 {
 }
 
@@ -118,4 +113,4 @@ void VolumeFiles::removeAll()
     }
 }
 
-} // namespace brevan::sim
+}  // namespace brevan::sim

@@ -7,8 +7,8 @@
 
 namespace brevan::sim {
 
-/// The data of volumes: a sparse file each, named by the WWN. A volume that was never exposed has no file and reads as zeros.
-/// Failures are std::system_error.
+/// The data of volumes: a sparse file each, named by the WWN. A volume that was never exposed has no file and reads as
+/// zeros. Failures are std::system_error.
 class VolumeFiles {
 public:
     /// Only files whose names begin with `prefix` are ours.
@@ -28,6 +28,6 @@ private:
     std::string m_prefix;
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -9,19 +9,19 @@ namespace brevan::sim {
 
 /// A request as it arrived, whatever carried it.
 struct WireRequest {
-    std::string method; ///< "GET", "POST", "PUT", "DELETE"
-    std::string target; ///< path and query, as sent
-    std::string token;  ///< header iBaseToken
-    std::string cookie; ///< header Cookie
+    std::string method;  ///< "GET", "POST", "PUT", "DELETE"
+    std::string target;  ///< path and query, as sent
+    std::string token;   ///< header iBaseToken
+    std::string cookie;  ///< header Cookie
     std::string body;
 };
 
 struct WireReply {
     unsigned status = 200;
     std::string body;
-    std::vector<std::pair<std::string, std::string>> headers; ///< besides those of every reply
+    std::vector<std::pair<std::string, std::string>> headers;  ///< besides those of every reply
 };
 
-} // namespace brevan::sim
+}  // namespace brevan::sim
 
 #endif

@@ -1,4 +1,4 @@
--- Everything that the array knows. What can be told from the associations (exposed, free, member of a group) is never stored.
+-- Everything that the array knows. What the associations tell (exposed, free, member of a group) is never stored.
 
 CREATE TABLE counter (name TEXT PRIMARY KEY, next INTEGER NOT NULL) WITHOUT ROWID;
 INSERT INTO counter VALUES ('object', 1), ('volume', 1);

@@ -1,0 +1,112 @@
+#include "simulator/CommandLine.h"
+
+#include "simulator/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <vector>
+
+using namespace brevan::sim;
+
+namespace {
+
+class CommandLine : public ::testing::Test {
+protected:
+    CommandLine() { setenv("BREVAN_SIM_PASSWORD", "secret", 1); }
+    ~CommandLine() override { unsetenv("BREVAN_SIM_PASSWORD"); }
+    std::optional<ProgramOptions> read(std::vector<const char*> arguments)
+    {
+        arguments.insert(arguments.begin(), "brevan-array-sim");
+        return readCommandLine(static_cast<int>(arguments.size()), arguments.data(), m_status, m_output, m_errors);
+    }
+
+    int m_status = -1;
+    std::ostringstream m_output;
+    std::ostringstream m_errors;
+};
+
+}  // namespace
+
+TEST_F(CommandLine, HasDefaultsForEverythingButThePassword)
+{
+    const auto options = read({});
+    ASSERT_TRUE(options) << m_errors.str();
+    EXPECT_EQ(options->server.address, "127.0.0.1");
+    EXPECT_EQ(options->server.port, 0);
+    EXPECT_EQ(options->server.password, "secret");
+    EXPECT_EQ(options->server.exposure, Exposure::kNone);
+    ASSERT_EQ(options->server.pools.size(), 1u);
+    EXPECT_EQ(options->server.pools[0].id, "0");
+}
+
+TEST_F(CommandLine, TakesRepeatedPoolsAndInitiators)
+{
+    const auto options =
+        read({"--pool", "1:a:10", "--pool", "2:b:20", "--iscsi-initiator", "iqn.a", "--iscsi-initiator", "iqn.b"});
+    ASSERT_TRUE(options) << m_errors.str();
+    ASSERT_EQ(options->server.pools.size(), 2u);
+    EXPECT_EQ(options->server.pools[1].name, "b");
+    EXPECT_EQ(options->server.pools[1].gib, 20u);
+    EXPECT_EQ(options->server.iscsiInitiators, (std::vector<std::string>{"iqn.a", "iqn.b"}));
+}
+
+TEST_F(CommandLine, ReadsThePasswordFromAFileRatherThanFromTheEnvironment)
+{
+    const std::string directory = makePrivateDirectory();
+    writeFileAtomically(directory + "/password", "from file\r\nmore\n");
+    const auto options = read({"--password-file", (directory + "/password").c_str()});
+    std::filesystem::remove_all(directory);
+    ASSERT_TRUE(options) << m_errors.str();
+    EXPECT_EQ(options->server.password, "from file");
+}
+
+TEST_F(CommandLine, SaysInOneLineWhatIsWrong)
+{
+    const std::vector<std::pair<std::vector<const char*>, const char*>> cases{
+        {{"--nosuch"}, "--nosuch"},
+        {{"--port", "70000"}, "--port"},
+        {{"--pool", "x"}, "ID:NAME:GIB"},
+        {{"--exposure", "magic"}, "--exposure"},
+        {{"--settle", "-1"}, "--settle"},
+        {{"--exposure", "lio"}, "--volume-directory"},
+        {{"--exposure", "tree"}, "--tree-directory"},
+        {{"--password-file", "/nosuch/file"}, "/nosuch/file"},
+    };
+    for (const auto& [arguments, hint] : cases) {
+        m_errors.str("");
+        EXPECT_FALSE(read(arguments)) << hint;
+        EXPECT_EQ(m_status, 2) << hint;
+        const std::string text = m_errors.str();
+        EXPECT_NE(text.find(hint), std::string::npos) << text;
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+    }
+}
+
+TEST_F(CommandLine, RefusesToStartWithoutAPassword)
+{
+    unsetenv("BREVAN_SIM_PASSWORD");
+    EXPECT_FALSE(read({}));
+    EXPECT_EQ(m_status, 2);
+    EXPECT_NE(m_errors.str().find("--password-file FILE or set BREVAN_SIM_PASSWORD"), std::string::npos) << m_errors.str();
+}
+
+TEST_F(CommandLine, ExplainsEveryFlag)
+{
+    EXPECT_FALSE(read({"--help"}));
+    EXPECT_EQ(m_status, 0);
+    for (const char* flag : {"--address", "--port", "--ca-file", "--server-name", "--port-file", "--user", "--password-file",
+                             "--device-id", "--pool", "--iscsi-initiator", "--settle", "--log-requests", "--exposure",
+                             "--lio-portal", "--lio-target", "--volume-directory", "--tree-directory", "--version"}) {
+        EXPECT_NE(m_output.str().find(flag), std::string::npos) << flag;
+    }
+}
+
+TEST_F(CommandLine, TellsItsVersion)
+{
+    EXPECT_FALSE(read({"--version"}));
+    EXPECT_EQ(m_status, 0);
+    EXPECT_EQ(m_output.str().find("brevan-array-sim "), 0u) << m_output.str();
+}

@@ -1,0 +1,181 @@
+#include "simulator/HttpsServer.h"
+
+#include "ArrayClient.h"
+#include "HttpsClient.h"
+
+#include "simulator/ErrorCodes.h"
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace brevan::sim;
+using namespace brevan::sim::test;
+
+namespace {
+
+class HttpsServerTest : public ::testing::Test {
+protected:
+    std::string url(const std::string& host = "127.0.0.1") const
+    {
+        return "https://" + host + ":" + std::to_string(m_server.port());
+    }
+    HttpsReply logIn(HttpsClient& client)
+    {
+        return client.send("POST", "/deviceManager/rest/xxxx/sessions",
+                           R"({"username":"admin","password":"secret","scope":0})");
+    }
+    static ServerOptions options()
+    {
+        ServerOptions made = testOptions();
+        made.serverName = "array.lab";
+        return made;
+    }
+    /// Listens before the client's member is made, which needs the port.
+    struct StartedServer : ArrayServer {
+        StartedServer() : ArrayServer(options()) { start(); }
+    };
+    StartedServer m_server;
+    HttpsClient m_client{url(), m_server.caFile()};
+};
+
+int codeOf(const HttpsReply& reply)
+{
+    return nlohmann::json::parse(reply.body).at("error").at("code").get<int>();
+}
+
+}  // namespace
+
+TEST_F(HttpsServerTest, ServesASessionWithALunOnOneConnection)
+{
+    const HttpsReply login = logIn(m_client);
+    ASSERT_EQ(login.result, CURLE_OK);
+    EXPECT_EQ(login.status, 200);
+    const std::string token = nlohmann::json::parse(login.body).at("data").at("iBaseToken").get<std::string>();
+    const std::size_t begin = login.headers.find("Set-Cookie: ") + 12;
+    const std::string cookie = login.headers.substr(begin, login.headers.find(';', begin) - begin);
+    const std::vector<std::string> headers{"iBaseToken: " + token, "Cookie:  " + cookie};
+    const std::string device = "/deviceManager/rest/" + m_server.deviceId();
+    const HttpsReply created =
+        m_client.send("POST", device + "/lun", R"({"NAME":"l","PARENTID":"0","CAPACITY":8})", headers);
+    EXPECT_EQ(codeOf(created), 0) << created.body;
+    EXPECT_EQ(created.newConnections, 0);
+    const HttpsReply list = m_client.send("GET", device + "/lun?filter=NAME:l&range=[0-1]", "", headers);
+    EXPECT_EQ(nlohmann::json::parse(list.body).at("data").size(), 1u) << list.body;
+    EXPECT_EQ(codeOf(m_client.send("GET", device + "/lun")), kNoSession);
+}
+
+TEST_F(HttpsServerTest, IsVerifiedByEveryNameOfItsCertificate)
+{
+    EXPECT_EQ(logIn(m_client).result, CURLE_OK);
+    HttpsClient byName(url("localhost"), m_server.caFile());
+    EXPECT_EQ(logIn(byName).result, CURLE_OK);
+    curl_slist* names = curl_slist_append(nullptr, ("array.lab:" + std::to_string(m_server.port()) + ":127.0.0.1").c_str());
+    names = curl_slist_append(names, ("other.lab:" + std::to_string(m_server.port()) + ":127.0.0.1").c_str());
+    HttpsClient byServerName(url("array.lab"), m_server.caFile());
+    byServerName.set(CURLOPT_RESOLVE, names);
+    EXPECT_EQ(logIn(byServerName).result, CURLE_OK);
+    HttpsClient byOtherName(url("other.lab"), m_server.caFile());
+    byOtherName.set(CURLOPT_RESOLVE, names);
+    EXPECT_EQ(logIn(byOtherName).result, CURLE_PEER_FAILED_VERIFICATION);
+    curl_slist_free_all(names);
+}
+
+TEST_F(HttpsServerTest, IsNotTrustedThroughAnotherAuthority)
+{
+    ArrayServer other(testOptions());
+    other.start();
+    HttpsClient client(url(), other.caFile());
+    EXPECT_EQ(logIn(client).result, CURLE_PEER_FAILED_VERIFICATION);
+}
+
+TEST_F(HttpsServerTest, RefusesOldVersionsOfTls)
+{
+    constexpr long kOldest = CURL_SSLVERSION_TLSv1_0;
+    constexpr long kNewest = 5L << 16;  // CURL_SSLVERSION_MAX_TLSv1_1, which is no value of the enumeration that it is in
+    m_client.set(CURLOPT_SSLVERSION, kOldest | kNewest);
+    EXPECT_EQ(logIn(m_client).result, CURLE_SSL_CONNECT_ERROR);
+}
+
+TEST_F(HttpsServerTest, BoundsBodiesAndHeaders)
+{
+    const HttpsReply body =
+        m_client.send("POST", "/deviceManager/rest/xxxx/sessions", std::string(2000000, 'x'), {"Expect:"});
+    EXPECT_TRUE(body.status == 413 || body.result == CURLE_SEND_ERROR) << body.status << " " << body.result;
+    HttpsClient second(url(), m_server.caFile());
+    const HttpsReply header = second.send("GET", "/x", "", {"X-Long: " + std::string(20000, 'x')});
+    EXPECT_EQ(header.status, 431);
+    EXPECT_EQ(codeOf(header), kBadHttp);
+}
+
+TEST_F(HttpsServerTest, AnswersPathsOutsideTheInterface)
+{
+    const HttpsReply reply = m_client.send("GET", "/index.html");
+    EXPECT_EQ(reply.status, 404);
+    EXPECT_EQ(codeOf(reply), kUnknownOperation);
+}
+
+TEST_F(HttpsServerTest, ServesManyConnectionsAtOnceOnFewThreads)
+{
+    std::atomic<int> answered{0};
+    std::vector<std::thread> threads;
+    for (int index = 0; index < 8; ++index) {
+        threads.emplace_back([this, &answered] {
+            HttpsClient client(url(), m_server.caFile());
+            for (int request = 0; request < 20; ++request) {
+                answered += client.send("GET", "/nosuch").status == 404 ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(answered, 160);
+    EXPECT_EQ(m_server.requestCount(), 160u);
+}
+
+TEST_F(HttpsServerTest, IsNotHeldUpByClientsThatSayNothing)
+{
+    std::vector<int> silent;
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(m_server.port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    for (int index = 0; index < 50; ++index) {
+        silent.push_back(socket(AF_INET, SOCK_STREAM, 0));
+        ASSERT_EQ(connect(silent.back(), reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+    }
+    EXPECT_EQ(logIn(m_client).result, CURLE_OK);
+    for (const int descriptor : silent) {
+        close(descriptor);
+    }
+}
+
+TEST(HttpsServer, ListensOnIpv6)
+{
+    ServerOptions options = testOptions();
+    options.address = "::1";
+    ArrayServer server(options);
+    try {
+        server.start();
+    } catch (const std::exception& error) {
+        GTEST_SKIP() << "no IPv6 loopback here: " << error.what();
+    }
+    HttpsClient client("https://[::1]:" + std::to_string(server.port()), server.caFile());
+    EXPECT_EQ(client.send("GET", "/nosuch").status, 404);
+}
+
+TEST(HttpsServer, StopsWhileConnectionsAreOpen)
+{
+    ArrayServer server(testOptions());
+    server.start();
+    HttpsClient client("https://127.0.0.1:" + std::to_string(server.port()), server.caFile());
+    EXPECT_EQ(client.send("GET", "/nosuch").status, 404);
+    server.stop();
+    EXPECT_NE(client.send("GET", "/nosuch").result, CURLE_OK);
+}
