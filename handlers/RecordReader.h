@@ -1,6 +1,7 @@
 #ifndef BREVAN_HANDLERS_RECORDREADER_H
 #define BREVAN_HANDLERS_RECORDREADER_H
 
+#include "foundation/Operation.h"
 #include "handlers/ReplyText.h"
 
 #include <RestResponse.h>
@@ -93,8 +94,12 @@ constexpr auto textIfPresent(const char* key)
                          }};
 }
 
+/// Whether the record names an object. What is neither a record nor absent makes the whole reply unusable.
 inline bool hasId(const Json::Value& record)
 {
+    if (!record.isObject() && !record.isNull()) {
+        throw UnusableReply();
+    }
     return record.isObject() && record.isMember("ID");
 }
 
