@@ -42,8 +42,9 @@ RestResponse ResourceOperation::remove(const std::string& path)
     return send(REST_DELETE, path, request);
 }
 
+// What the transport throws ends the operation here: those that swallow failures would else end as if nothing had happened.
 RestResponse ResourceOperation::send(REST_REQUEST_MODE_E mode, const std::string& path, RestRequest& request)
-{
+try {
     RestResponse response;
     std::vector<std::string> headerLines;
     const int sent = request.SendRequest(sessionHandle(m_manager), path, mode, response, headerLines, true);
@@ -56,6 +57,8 @@ RestResponse ResourceOperation::send(REST_REQUEST_MODE_E mode, const std::string
         failResponse(code, description);
     }
     return response;
+} catch (...) {
+    passOn();
 }
 
 }  // namespace brevan
