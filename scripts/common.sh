@@ -18,12 +18,29 @@ configurePreset() {                          # PRESET: ninja itself configures a
     die "cmake could not configure preset $1 (log: $folder/configure.log)"
 }
 
-buildPreset() {                              # PRESET [TARGET...]: compiler messages pass through; progress only to a terminal
-    local preset=$1 quiet=(--quiet) begin=$SECONDS
-    shift
+# Compiler messages pass through. A terminal gets ninja's own progress, anything else a line every 30 s.
+showProgress() {                             # PRESET
+    local line next=$((SECONDS + 30))
+    while IFS= read -r line; do
+        if [[ $line =~ ^\[([0-9]+/[0-9]+)\]\  ]]; then
+            [[ $SECONDS -ge $next ]] || continue
+            say "$1: step ${BASH_REMATCH[1]}"
+            next=$((SECONDS + 30))
+        elif [[ $line != "ninja: Entering directory"* && $line != "ninja: no work to do." ]]; then
+            echo "$line"
+        fi
+    done
+}
+
+runNinja() {                                 # PRESET [TARGET...]
+    local ninja=(ninja -C "$TOP/build/$1" -j "$(nproc)" "${@:2}")
+    if [[ -t 1 ]]; then "${ninja[@]}"; else "${ninja[@]}" 2>&1 | showProgress "$1"; fi
+}
+
+buildPreset() {                              # PRESET [TARGET...]
+    local preset=$1 begin=$SECONDS
     configurePreset "$preset"
-    [[ ! -t 1 ]] || quiet=()
-    say "$preset: building ${*:-everything}"
-    ninja -C "$TOP/build/$preset" -j "$(nproc)" "${quiet[@]}" "$@" || die "preset $preset does not build"
+    say "$preset: building${2:+ ${*:2}}"
+    runNinja "$@" || die "preset $preset does not build"
     say "$preset: built in $((SECONDS - begin)) s"
 }
