@@ -18,7 +18,8 @@ TEST_P(FailureAdvice, IsASentence)
     EXPECT_THAT(failureAdvice(GetParam()), EndsWith("."));
 }
 
-INSTANTIATE_TEST_SUITE_P(Transport, FailureAdvice, testing::Range<int>(FAILURE_UNKNOWN_SESSION, FAILURE_REPLY_TOO_LARGE + 1));
+INSTANTIATE_TEST_SUITE_P(Transport, FailureAdvice,
+                         testing::Range<int>(FAILURE_UNKNOWN_SESSION, FAILURE_REPLY_TOO_LARGE + 1));
 INSTANTIATE_TEST_SUITE_P(Array, FailureAdvice, testing::Values<int>(FAILURE_SESSION_EXPIRED, 1077949006));
 
 TEST(FailureAdviceText, NamesWhatToChange)

@@ -66,25 +66,26 @@ TEST_P(ProcessMapOf, DecidesWhereTheModuleIs)
 
 const std::string kFound = mapping("/found/libm.so");
 
-INSTANTIATE_TEST_SUITE_P(
-    Maps, ProcessMapOf,
-    testing::Values(
-        MapRow{"NothingThatCanBeRead", "", -1, "untouched"},
-        MapRow{"NoModule", mapping("/opt/libother.so"), -1, "untouched"},
-        MapRow{"OnlyAReadOnlyMapping", mapping("/opt/libm.so", "r--p"), -1, "untouched"},
-        MapRow{"OnlyASharedMapping", mapping("/opt/libm.so", "r-xs"), -1, "untouched"},
-        MapRow{"NoPath", mapping("[libm.so]"), -1, "untouched"},
-        MapRow{"TheFirstOfTwo", mapping("/first/libm.so") + kFound, 0, "/first"},
-        MapRow{"RootDirectoryStopsTheScan", mapping("/libm.so") + kFound, -1, "untouched"},
-        MapRow{"NameInTheDirectory", mapping("/opt/libm.so.d/any.so") + kFound, 0, "/opt/libm.so.d"},
-        MapRow{"BlanksInThePath", mapping("/opt/my files/libm.so"), 0, "/opt/my files"},
-        MapRow{"DeletedFile", mapping("/opt/lib/libm.so (deleted)"), 0, "/opt/lib"},
-        MapRow{"NoEndOfLine", "1-2 r-xp 0 0:0 1 /opt/libm.so", 0, "/opt"},
-        MapRow{"Longest", mapping("/" + std::string(62, 'd') + "/libm.so"), 0,
-               "/dddddddddddddddddddddddddddddddddddddddddddddddddddddddddddddd"},
-        MapRow{"TooLongStopsTheScan", mapping("/" + std::string(63, 'd') + "/libm.so") + kFound, -1, "untouched"},
-        MapRow{"LineLongerThanTheBuffer", mapping("/" + std::string(2000, 'd') + "/libm.so") + kFound, 0, "/found"}),
-    [](const auto& tested) { return std::string(tested.param.what); });
+INSTANTIATE_TEST_SUITE_P(Maps, ProcessMapOf,
+                         testing::Values(MapRow{"NothingThatCanBeRead", "", -1, "untouched"},
+                                         MapRow{"NoModule", mapping("/opt/libother.so"), -1, "untouched"},
+                                         MapRow{"OnlyAReadOnlyMapping", mapping("/opt/libm.so", "r--p"), -1, "untouched"},
+                                         MapRow{"OnlyASharedMapping", mapping("/opt/libm.so", "r-xs"), -1, "untouched"},
+                                         MapRow{"NoPath", mapping("[libm.so]"), -1, "untouched"},
+                                         MapRow{"TheFirstOfTwo", mapping("/first/libm.so") + kFound, 0, "/first"},
+                                         MapRow{"RootDirectoryStopsTheScan", mapping("/libm.so") + kFound, -1, "untouched"},
+                                         MapRow{"NameInTheDirectory", mapping("/opt/libm.so.d/any.so") + kFound, 0,
+                                                "/opt/libm.so.d"},
+                                         MapRow{"BlanksInThePath", mapping("/opt/my files/libm.so"), 0, "/opt/my files"},
+                                         MapRow{"DeletedFile", mapping("/opt/lib/libm.so (deleted)"), 0, "/opt/lib"},
+                                         MapRow{"NoEndOfLine", "1-2 r-xp 0 0:0 1 /opt/libm.so", 0, "/opt"},
+                                         MapRow{"Longest", mapping("/" + std::string(62, 'd') + "/libm.so"), 0,
+                                                "/dddddddddddddddddddddddddddddddddddddddddddddddddddddddddddddd"},
+                                         MapRow{"TooLongStopsTheScan",
+                                                mapping("/" + std::string(63, 'd') + "/libm.so") + kFound, -1, "untouched"},
+                                         MapRow{"LineLongerThanTheBuffer",
+                                                mapping("/" + std::string(2000, 'd') + "/libm.so") + kFound, 0, "/found"}),
+                         [](const auto& tested) { return std::string(tested.param.what); });
 
 TEST_F(LogLibrary, IsFoundEvenWhereNoCopyFits)
 {
@@ -126,7 +127,8 @@ TEST_F(LogLibrary, StartsWithSettingsAndLogsBesideIt)
 {
     map.text = mapping("/usr/lib/brevan/libPlimLogAPI.so.1");
     EXPECT_EQ(LOG_INIT(), 0);
-    EXPECT_EQ(recorder.calls(), Lines{"LogInit Plim-Brevan-API-linux-Cpp /usr/lib/brevan/Brevan_API.ini /usr/lib/brevan/logs/"});
+    EXPECT_EQ(recorder.calls(),
+              Lines{"LogInit Plim-Brevan-API-linux-Cpp /usr/lib/brevan/Brevan_API.ini /usr/lib/brevan/logs/"});
 }
 
 TEST_F(LogLibrary, StartsWithTheRootDirectoryWhereItsOwnIsNotKnown)

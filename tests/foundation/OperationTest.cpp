@@ -45,16 +45,15 @@ TEST_P(StyleOfOperation, DecidesItsLines)
 
 INSTANTIATE_TEST_SUITE_P(
     Styles, StyleOfOperation,
-    testing::Values(
-        StyleRow{{"a", "begin", "end"}, {"info: begin", "record: a 0", "info: end"}},
-        StyleRow{{"a", "", ""}, {"record: a 0"}},
-        StyleRow{{"a", nullptr, nullptr, "b"},
-                 {"info: enter b successfully!", "record: a 0", "info: leave b successfully!"}},
-        StyleRow{{"a", nullptr, nullptr, nullptr, true},
-                 {"info: enter a successfully!", "info: leave a successfully!", "record: a 0"}},
-        StyleRow{{"a", nullptr, nullptr, nullptr, false, false},
-                 {"info: enter a successfully!", "info: leave a successfully!"}},
-        StyleRow{{"a", "50%s", "%n"}, {"info: 50%s", "record: a 0", "info: %n"}}),
+    testing::Values(StyleRow{{"a", "begin", "end"}, {"info: begin", "record: a 0", "info: end"}},
+                    StyleRow{{"a", "", ""}, {"record: a 0"}},
+                    StyleRow{{"a", nullptr, nullptr, "b"},
+                             {"info: enter b successfully!", "record: a 0", "info: leave b successfully!"}},
+                    StyleRow{{"a", nullptr, nullptr, nullptr, true},
+                             {"info: enter a successfully!", "info: leave a successfully!", "record: a 0"}},
+                    StyleRow{{"a", nullptr, nullptr, nullptr, false, false},
+                             {"info: enter a successfully!", "info: leave a successfully!"}},
+                    StyleRow{{"a", "50%s", "%n"}, {"info: 50%s", "record: a 0", "info: %n"}}),
     [](const auto& tested) { return "Row" + std::to_string(tested.index); });
 
 TEST_F(OperationRun, GoesOnWhereAnArgumentWillDo)
@@ -106,23 +105,26 @@ TEST_P(FailureOfOperation, IsTurnedIntoAResultWhereTheOperationNeverThrows)
 
 INSTANTIATE_TEST_SUITE_P(
     Ways, FailureOfOperation,
-    testing::Values(
-        FailureRow{"Require", [](Operation& o) { o.require(false, "id is empty! "); }, "id is empty! getLun", 1, false},
-        FailureRow{"Refuse", [](Operation& o) { o.refuse("50%s "); }, "50%s getLun", 1, false},
-        FailureRow{"Raise", [](Operation& o) { o.raise("no host! "); }, "no host! getLun", 1, false},
-        FailureRow{"Transport", [](Operation& o) { o.failTransport(1007); }, "url error or internet error getLun", 1007, false},
-        FailureRow{"Response", [](Operation& o) { o.failResponse(-401, "100%n\nis %s"); },
-                   "get error response, error code:-401, description:100%n\nis %s getLun", -401, true},
-        FailureRow{"UnusableReply", [](Operation&) { throw UnusableReply(); }, "url error or internet error getLun", 1009,
-                   false},
-        FailureRow{"ForeignException", [](Operation&) { throw std::runtime_error("50%s"); },
-                   "unexpected failure: 50%s getLun", 1, false},
-        FailureRow{"ForeignType", [](Operation&) { throw 7; }, "unexpected failure: no standard exception getLun", 1, false}),
+    testing::Values(FailureRow{"Require", [](Operation& o) { o.require(false, "id is empty! "); }, "id is empty! getLun", 1,
+                               false},
+                    FailureRow{"Refuse", [](Operation& o) { o.refuse("50%s "); }, "50%s getLun", 1, false},
+                    FailureRow{"Raise", [](Operation& o) { o.raise("no host! "); }, "no host! getLun", 1, false},
+                    FailureRow{"Transport", [](Operation& o) { o.failTransport(1007); },
+                               "url error or internet error getLun", 1007, false},
+                    FailureRow{"Response", [](Operation& o) { o.failResponse(-401, "100%n\nis %s"); },
+                               "get error response, error code:-401, description:100%n\nis %s getLun", -401, true},
+                    FailureRow{"UnusableReply", [](Operation&) { throw UnusableReply(); },
+                               "url error or internet error getLun", 1009, false},
+                    FailureRow{"ForeignException", [](Operation&) { throw std::runtime_error("50%s"); },
+                               "unexpected failure: 50%s getLun", 1, false},
+                    FailureRow{"ForeignType", [](Operation&) { throw 7; },
+                               "unexpected failure: no standard exception getLun", 1, false}),
     [](const auto& tested) { return std::string(tested.param.what); });
 
 TEST_F(OperationRun, PassesOnTheCodeOfARefusalThatItDidNotRaise)
 {
-    EXPECT_EQ(thrown({"getLun"}, [](Operation&) { throw PlimAPIExceptionWithErrCode(9, "refused"); }), "Exception:refused / 9");
+    EXPECT_EQ(thrown({"getLun"}, [](Operation&) { throw PlimAPIExceptionWithErrCode(9, "refused"); }),
+              "Exception:refused / 9");
     EXPECT_EQ(newLog(), entered("getLun", {}, 9));
 }
 
@@ -147,23 +149,20 @@ TEST_P(EndOfOperation, WritesItsLinesAndNoLeave)
 
 INSTANTIATE_TEST_SUITE_P(
     Ends, EndOfOperation,
-    testing::Values(
-        EndRow{"Failed", [](Operation& o) { o.endFailed(7, "50%s"); }, {"error: 50%s", "record: a 7"}, "50%s"},
-        EndRow{"Refused", [](Operation& o) { o.endRefused("no! "); }, {"error: no! a", "record: a 1"}, "no! a"},
-        EndRow{"Recorded", [](Operation& o) { o.endRecorded(-1); }, {"record: a -1"}, ""},
-        EndRow{"Silent", [](Operation& o) { o.endSilently(); }, {}, ""},
-        EndRow{"Succeeded",
-               [](Operation& o) { o.succeed(); },
-               {"record: a 0", "info: leave a successfully!"},
-               ""},
-        EndRow{"Noted",
-               [](Operation& o) { o.note("said elsewhere", "advice"); },
-               {"record: a 0", "info: leave a successfully!"},
-               "said elsewhere"},
-        EndRow{"Reported",
-               [](Operation& o) { o.report("%s is empty! "); },
-               {"error: %s is empty! a", "record: a 1", "record: a 0", "info: leave a successfully!"},
-               ""}),
+    testing::Values(EndRow{"Failed", [](Operation& o) { o.endFailed(7, "50%s"); }, {"error: 50%s", "record: a 7"}, "50%s"},
+                    EndRow{"Refused", [](Operation& o) { o.endRefused("no! "); }, {"error: no! a", "record: a 1"}, "no! a"},
+                    EndRow{"Recorded", [](Operation& o) { o.endRecorded(-1); }, {"record: a -1"}, ""},
+                    EndRow{"Silent", [](Operation& o) { o.endSilently(); }, {}, ""},
+                    EndRow{
+                        "Succeeded", [](Operation& o) { o.succeed(); }, {"record: a 0", "info: leave a successfully!"}, ""},
+                    EndRow{"Noted",
+                           [](Operation& o) { o.note("said elsewhere", "advice"); },
+                           {"record: a 0", "info: leave a successfully!"},
+                           "said elsewhere"},
+                    EndRow{"Reported",
+                           [](Operation& o) { o.report("%s is empty! "); },
+                           {"error: %s is empty! a", "record: a 1", "record: a 0", "info: leave a successfully!"},
+                           ""}),
     [](const auto& tested) { return std::string(tested.param.what); });
 
 TEST_F(OperationRun, KeepsTheAdviceOfANote)

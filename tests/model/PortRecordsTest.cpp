@@ -6,7 +6,8 @@ namespace brevan::test {
 namespace {
 
 template <class Query>
-class PortQuery : public testing::Test {};
+class PortQuery : public testing::Test {
+};
 
 using Queries = testing::Types<FCPortQuery, FCoEPortQuery, ETHPortQuery>;
 TYPED_TEST_SUITE(PortQuery, Queries);

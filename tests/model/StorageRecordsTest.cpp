@@ -47,7 +47,8 @@ TEST(LunRecord, IsNotSetWhenFreshAndInItsCopies)
 TEST(SnapshotRecord, IsNotSetWhenFresh)
 {
     const SnapshotMO snapshot;
-    EXPECT_EQ(snapshot.ID + snapshot.NAME + snapshot.PARENTID + snapshot.PARENTNAME + snapshot.DESCRIPTION + snapshot.WWN, "");
+    EXPECT_EQ(snapshot.ID + snapshot.NAME + snapshot.PARENTID + snapshot.PARENTNAME + snapshot.DESCRIPTION + snapshot.WWN,
+              "");
     EXPECT_EQ(snapshot.PARENTTYPE + snapshot.HEALTHSTATUS + snapshot.RUNNINGSTATUS, 0U);
     EXPECT_EQ(snapshot.USERCAPACITY, kAllBits);
     EXPECT_EQ(snapshot.CONSUMEDCAPACITY, kAllBits);
@@ -110,7 +111,8 @@ TEST(ObjectType, HasTheArraysNumber)
 }
 
 template <class Query>
-class StorageQuery : public testing::Test {};
+class StorageQuery : public testing::Test {
+};
 
 using Queries = testing::Types<LunQuery, SnapshotQuery, LunGroupQuery, MappingViewQuery, HostGroupQuery>;
 TYPED_TEST_SUITE(StorageQuery, Queries);

@@ -32,7 +32,8 @@ TEST_F(PublicDeviceManager, IsReleasedWithoutALogoutAndSaysNothingOfIt)
     EXPECT_EQ(made->useConnection("10.0.0.1", 0, "dev", "tok", "ck"), 1);
     newLog();
     CDeviceManager::releaseInstance(made);
-    EXPECT_EQ(newLog(), (Lines{"info: enter CDeviceManagerImpl::uninitial()!", "info: leave CDeviceManagerImpl::uninitial()!"}));
+    EXPECT_EQ(newLog(),
+              (Lines{"info: enter CDeviceManagerImpl::uninitial()!", "info: leave CDeviceManagerImpl::uninitial()!"}));
 }
 
 TEST_F(PublicDeviceManager, MayBeNullWhenReleased)

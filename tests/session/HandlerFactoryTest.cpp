@@ -42,21 +42,21 @@ TEST_P(HandlerFactory, MakesTheHandlerOfItsTypeOnceAndKeepsIt)
     EXPECT_NE(other.getHandler(type), handler);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, HandlerFactory,
-    testing::Values(Kind{2, isKind<CLunHandler, CLunHandlerImpl>}, Kind{3, isKind<CLunGroupHandler, CLunGroupHandlerImpl>},
-                    Kind{4, isKind<CHostHandler, CHostHandlerImpl>},
-                    Kind{5, isKind<CHostGroupHandler, CHostGroupHandlerImpl>},
-                    Kind{6, isKind<CMappingViewHandler, CMappingViewHandlerImpl>},
-                    Kind{7, isKind<CIscsiInitiatorHandler, CIscsiInitiatorHandlerImpl>},
-                    Kind{8, isKind<CSnapshotHandler, CSnapshotHandlerImpl>},
-                    Kind{9, isKind<CDiskAttachHandler, CDiskAttachHandlerImpl>},
-                    Kind{10, isKind<CDiskScannerHandler, CDiskScannerHandlerImpl>},
-                    Kind{11, isKind<CFCInitiatorHandler, CFCInitiatorHandlerImpl>},
-                    Kind{12, isKind<CETHPortHandler, CEthPortHandlerImpl>},
-                    Kind{13, isKind<CFCPortHandler, CFCPortHandlerImpl>},
-                    Kind{14, isKind<CFCoEPortHandler, CFCoEPortHandlerImpl>}),
-    [](const auto& tested) { return "Type" + std::to_string(tested.param.type); });
+INSTANTIATE_TEST_SUITE_P(Kinds, HandlerFactory,
+                         testing::Values(Kind{2, isKind<CLunHandler, CLunHandlerImpl>},
+                                         Kind{3, isKind<CLunGroupHandler, CLunGroupHandlerImpl>},
+                                         Kind{4, isKind<CHostHandler, CHostHandlerImpl>},
+                                         Kind{5, isKind<CHostGroupHandler, CHostGroupHandlerImpl>},
+                                         Kind{6, isKind<CMappingViewHandler, CMappingViewHandlerImpl>},
+                                         Kind{7, isKind<CIscsiInitiatorHandler, CIscsiInitiatorHandlerImpl>},
+                                         Kind{8, isKind<CSnapshotHandler, CSnapshotHandlerImpl>},
+                                         Kind{9, isKind<CDiskAttachHandler, CDiskAttachHandlerImpl>},
+                                         Kind{10, isKind<CDiskScannerHandler, CDiskScannerHandlerImpl>},
+                                         Kind{11, isKind<CFCInitiatorHandler, CFCInitiatorHandlerImpl>},
+                                         Kind{12, isKind<CETHPortHandler, CEthPortHandlerImpl>},
+                                         Kind{13, isKind<CFCPortHandler, CFCPortHandlerImpl>},
+                                         Kind{14, isKind<CFCoEPortHandler, CFCoEPortHandlerImpl>}),
+                         [](const auto& tested) { return "Type" + std::to_string(tested.param.type); });
 
 class UnknownHandler : public SdkTest {};
 

@@ -14,7 +14,8 @@ const std::string kLoginRequest = R"(POST https://10.0.0.1:8088/deviceManager/re
 const std::string kSession = " [47: T0KEN] [8:  session=abc]";
 const std::string kKeepAliveRequest =
     "GET https://10.0.0.1:8088/deviceManager/rest/2100/server/logininfo" + kSession + " (flag false)";
-const std::string kLogoutRequest = "DELETE https://10.0.0.1:8088/deviceManager/rest/2100/sessions" + kSession + " (flag false)";
+const std::string kLogoutRequest =
+    "DELETE https://10.0.0.1:8088/deviceManager/rest/2100/sessions" + kSession + " (flag false)";
 
 Answer loginAnswer(const std::string& data = kLoginData,
                    std::vector<std::string> headerLines = {"Server: a", "Set-Cookie: session=abc; path=/"})
@@ -67,16 +68,17 @@ TEST_F(LoginSession, OpensARegisteredSession)
     expect(kLoginRequest, loginAnswer());
     EXPECT_EQ(login(), 1);
     EXPECT_EQ(newLog(), (Lines{"info: Login device start...", "info: Login device OK", "record: loginDevice 0"}));
-    EXPECT_EQ(recorder.calls(),
-              (Lines{"check 10.0.0.1", registered("2100 10.0.0.1 8088 T0KEN  session=abc true")}));
+    EXPECT_EQ(recorder.calls(), (Lines{"check 10.0.0.1", registered("2100 10.0.0.1 8088 T0KEN  session=abc true")}));
     EXPECT_TRUE(lastFailure().empty());
     EXPECT_TRUE(recorder.handles().empty());  // sent to a server, not under a session
 }
 
 TEST_F(LoginSession, PassesTheScopeOnAsItsNumber)
 {
-    expect(R"(POST https://10.0.0.1:8088/deviceManager/rest/xxxx/sessions {"username":"a","password":"b","scope":77} (flag true))",
-           loginAnswer());
+    expect(
+        "POST https://10.0.0.1:8088/deviceManager/rest/xxxx/sessions "
+        R"({"username":"a","password":"b","scope":77} (flag true))",
+        loginAnswer());
     EXPECT_EQ(login("10.0.0.1", 8088, "a", "b", static_cast<USERTYPE>(77)), 1);
 }
 
@@ -86,7 +88,8 @@ TEST_F(LoginSession, IsReplacedByTheNextOne)
     expect(kLoginRequest, loginAnswer(R"({"deviceid":"2200","iBaseToken":"NEXT"})", {"Set-Cookie:c=2;"}));
     EXPECT_EQ(login(), 1);
     EXPECT_EQ(recorder.calls().back(), registered("2200 10.0.0.1 8088 NEXT c=2 true"));
-    expect("GET https://10.0.0.1:8088/deviceManager/rest/2200/server/logininfo [47: NEXT] [8: c=2] (flag false)", answer(""));
+    expect("GET https://10.0.0.1:8088/deviceManager/rest/2200/server/logininfo [47: NEXT] [8: c=2] (flag false)",
+           answer(""));
     EXPECT_EQ(manager.keepAlive(), 1);
 }
 
@@ -198,8 +201,7 @@ TEST_F(LoginSession, IsAdoptedWithoutARequest)
     EXPECT_EQ(manager.useConnection("10.0.0.1", 8088, "2100", "T0KEN", " session=abc"), 1);
     EXPECT_EQ(newLog(), (Lines{"info: Use existed connection start...", "info: Use existed connection successfully!",
                                "record: useConnection 0"}));
-    EXPECT_EQ(recorder.calls(),
-              (Lines{"check 10.0.0.1", registered("2100 10.0.0.1 8088 T0KEN  session=abc false")}));
+    EXPECT_EQ(recorder.calls(), (Lines{"check 10.0.0.1", registered("2100 10.0.0.1 8088 T0KEN  session=abc false")}));
     expect(kKeepAliveRequest, answer(""));
     EXPECT_EQ(manager.keepAlive(), 1);
 }

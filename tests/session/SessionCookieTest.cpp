@@ -27,9 +27,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"FirstOfTwo", {"Set-Cookie: s=1;", "Set-Cookie: s=2;"}, " s=1"},
                     Row{"FirstHasNoSemicolon", {"Set-Cookie: s=1", "Set-Cookie: s=2;"}, std::nullopt},
                     Row{"SemicolonOnlyBefore", {"a;Set-Cookie: s=1"}, std::nullopt},
-                    Row{"SemicolonBeforeAndBehind", {"a;Set-Cookie: s=1;b"}, " s=1"},
-                    Row{"Empty", {"Set-Cookie:;"}, ""}, Row{"OtherCase", {"set-cookie: s=1;"}, std::nullopt},
-                    Row{"Cut", {"Set-Cookie:"}, std::nullopt}),
+                    Row{"SemicolonBeforeAndBehind", {"a;Set-Cookie: s=1;b"}, " s=1"}, Row{"Empty", {"Set-Cookie:;"}, ""},
+                    Row{"OtherCase", {"set-cookie: s=1;"}, std::nullopt}, Row{"Cut", {"Set-Cookie:"}, std::nullopt}),
     [](const auto& tested) { return std::string(tested.param.what); });
 
 }  // namespace
