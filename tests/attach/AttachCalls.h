@@ -3,8 +3,8 @@
 
 #include "attach/AttachFixture.h"
 
-// The calls of attach and detach on an array with volume 7, initiator "iqn", host 21, LUN group 30, host group 40 and mapping
-// view 50, at the fake clock's time.
+// The calls of attach and detach on an array with volume 7, initiator "iqn", host 21, LUN group 30, host group 40 and view 50,
+// at the fake clock's time.
 
 namespace brevan::test {
 
