@@ -20,6 +20,6 @@ grep -qx 'Login device fail, please check network or device is OK' "$work/output
 grep -oE '\]\([^)#]+\)' "$source/README.md" | tr -d '])(' | while read -r link; do
     [[ -e $source/$link ]] || fail "$link does not exist"
 done
-for script in $(grep -oE '^scripts/[a-z]+\.sh' "$source/README.md"); do
+grep -oE '^scripts/[a-z]+\.sh' "$source/README.md" | while read -r script; do
     [[ -x $source/$script ]] || fail "$script cannot be run"
 done
