@@ -19,8 +19,8 @@ public:
     /// length.
     unsigned int count() const;
 
-    /// Record `index`, an object; null where there is no such record. A copy: throws std::bad_alloc when memory is exhausted, and
-    /// nothing else.
+    /// Record `index`, an object; null where there is no such record. A copy: throws std::bad_alloc when memory is
+    /// exhausted, and nothing else.
     Json::Value operator[](unsigned int index) const;
 
     /// The array's code (0: it did what was asked; may be negative) and its text as received.

@@ -15,7 +15,8 @@ namespace brevan {
 class Body {
 public:
     /// Adds a text, escaped as JSON wants it. Bytes that are no UTF-8 cannot be written as JSON: they make the body invalid,
-    /// because replacing them would create an object under another name, or log in with another password, than was asked for.
+    /// because replacing them would create an object under another name, or log in with another password, than was asked
+    /// for.
     void addText(const std::string& key, std::string_view value);
 
     /// Adds a number or a truth value, given as JSON.

@@ -8,10 +8,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <climits>
 #include <csignal>
-#include <cerrno>
 #include <cstring>
 
 namespace brevan {
@@ -45,7 +45,8 @@ public:
         return 0;
     }
 
-    /// Takes what is in the pipe now, which is all that an ended command wrote, and not what a background child still writes.
+    /// Takes what is in the pipe now, which is all that an ended command wrote, and not what a background child still
+    /// writes.
     void drain()
     {
         int waiting = 0;
@@ -66,7 +67,9 @@ private:
 class Watch {
 public:
     Watch(const ShellProcess& process, CommandOutcome& outcome)
-        : m_output(process.output(), outcome.output), m_errors(process.errors(), outcome.errors), m_status(process.status(), m_statusText)
+        : m_output(process.output(), outcome.output),
+          m_errors(process.errors(), outcome.errors),
+          m_status(process.status(), m_statusText)
     {
     }
 

@@ -15,7 +15,8 @@ struct CommandLimits {
     std::size_t outputBytes;          ///< kept of the output, and as much of the errors
 };
 
-/// What came of a command. `fault` is empty where it ran to its end; otherwise it did not start, was killed, or ran out of time.
+/// What came of a command. `fault` is empty where it ran to its end; otherwise it did not start, was killed, or ran out of
+/// time.
 struct CommandOutcome {
     int exitStatus;
     std::string fault;
@@ -23,8 +24,8 @@ struct CommandOutcome {
     BoundedOutput errors;
 };
 
-/// Runs a command line in a shell and returns when it has ended, at the latest when time and grace are over. A background child that it
-/// leaves behind is not waited for, even where it holds the output.
+/// Runs a command line in a shell and returns when it has ended, at the latest when time and grace are over. A background
+/// child that it leaves behind is not waited for, even where it holds the output.
 CommandOutcome runCommandLine(const std::string& commandLine, const CommandLimits& limits);
 
 }  // namespace brevan

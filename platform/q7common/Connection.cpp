@@ -1,5 +1,6 @@
 #include "Connection.h"
 
+#include "ForkGate.h"
 #include "HeaderLines.h"
 #include "SigPipeGuard.h"
 
@@ -15,7 +16,15 @@ namespace brevan {
 namespace {
 
 constexpr std::size_t kLargestHead = 256 * 1024;
-constexpr std::size_t kKeptReplyRoom = 256 * 1024;
+constexpr std::size_t kUsualReply = 4096;
+constexpr int kLongestWaitMs = 1000;  // libcurl's own time limits end a wait sooner
+
+/// From 7.88 on libcurl writes to its sockets with MSG_NOSIGNAL, TLS included: three system calls a request are saved.
+bool raisesSigPipe() noexcept
+{
+    static const bool kRaises = curl_version_info(CURLVERSION_NOW)->version_num < 0x075800;
+    return kRaises;
+}
 
 /// Why the certificate of the handshake that runs in this thread was not accepted (an X509_V_ERR number), 0: it was.
 thread_local int trustFaultOfHandshake = 0;
@@ -42,8 +51,15 @@ CURLcode prepareTls(CURL*, void* data, void*) noexcept
 
 void Connection::HandleCloser::operator()(CURL* handle) const noexcept
 {
-    const SigPipeGuard quiet;  // closing says goodbye to the array, which may be gone
+    const ForkGate::Pass pass;
     curl_easy_cleanup(handle);
+}
+
+void Connection::MultiCloser::operator()(CURLM* multi) const noexcept
+{
+    const ForkGate::Pass pass;
+    const SigPipeGuard quiet(raisesSigPipe());  // closing says goodbye to the array, which may be gone
+    curl_multi_cleanup(multi);
 }
 
 template <typename Value>
@@ -59,9 +75,13 @@ void Connection::set(CURLoption option, Value value)
 }
 
 Connection::Connection(const Server& server, const Settings& settings, std::shared_ptr<TlsSessions> tlsSessions)
-    : m_tlsSessions(std::move(tlsSessions)), m_handle(curl_easy_init()), m_replyLimit(settings.replyBytes)
+    : m_tlsSessions(std::move(tlsSessions)),
+      m_multi(curl_multi_init()),
+      m_handle(curl_easy_init()),
+      m_replyLimit(settings.replyBytes)
 {
-    if (m_handle == nullptr) {
+    if (m_multi == nullptr || m_handle == nullptr ||
+        curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, 1L) != CURLM_OK) {
         throw std::bad_alloc();
     }
     set(CURLOPT_NOSIGNAL, 1L);
@@ -75,7 +95,6 @@ Connection::Connection(const Server& server, const Settings& settings, std::shar
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings.connectTime.count()));
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(settings.requestTime.count()));
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(settings.replyBytes));
-    set(CURLOPT_MAXCONNECTS, 1L);
     set(CURLOPT_TCP_KEEPALIVE, 1L);
     set(CURLOPT_SHARE, m_tlsSessions->handle());
     setTls(server, settings.tlsFor(server.host));
@@ -114,6 +133,8 @@ void Connection::setCallbacks()
     set(CURLOPT_PREREQDATA, this);
     set(CURLOPT_OPENSOCKETFUNCTION, &Connection::onOpenSocket);
     set(CURLOPT_OPENSOCKETDATA, this);
+    set(CURLOPT_CLOSESOCKETFUNCTION, &Connection::onCloseSocket);
+    set(CURLOPT_CLOSESOCKETDATA, this);
 }
 
 void Connection::setMessage(const Message& message)
@@ -129,20 +150,15 @@ void Connection::setMessage(const Message& message)
         set(CURLOPT_POSTFIELDS, message.body->data());  // not copied
     }
     set(CURLOPT_CUSTOMREQUEST, kMethods[message.mode]);
-    set(CURLOPT_FRESH_CONNECT, isStale() ? 1L : 0L);
-}
-
-/// The socket of the connection that is kept, CURL_SOCKET_BAD where there is none.
-curl_socket_t Connection::openSocket() const
-{
-    curl_socket_t socket = CURL_SOCKET_BAD;
-    return curl_easy_getinfo(m_handle.get(), CURLINFO_ACTIVESOCKET, &socket) == CURLE_OK ? socket : CURL_SOCKET_BAD;
+    // libcurl looks before it uses a connection again, and a GET gets a second chance. What must not be sent twice, we look
+    // once more for, as late as we can.
+    set(CURLOPT_FRESH_CONNECT, message.mode != REST_GET && isStale() ? 1L : 0L);
 }
 
 /// Whether the connection that is kept has been closed by the array, or has something to say that nobody asked for.
 bool Connection::isStale() const
 {
-    pollfd watched{openSocket(), POLLIN, 0};
+    pollfd watched{m_socket, POLLIN, 0};
     return watched.fd != CURL_SOCKET_BAD && poll(&watched, 1, 0) != 0;
 }
 
@@ -153,11 +169,12 @@ Delivery Connection::perform(const Message& message)
     m_isRepeatable = message.mode == REST_GET;
     m_headerLines = message.headerLines;
     m_errorText[0] = '\0';
-    wipe(m_reply);
-    const SigPipeGuard quiet;
+    m_reply = SecretBytes();
+    m_reply.reserve(kUsualReply);
+    const SigPipeGuard quiet(raisesSigPipe());
     setMessage(message);
     trustFaultOfHandshake = 0;
-    m_delivery.result = curl_easy_perform(m_handle.get());
+    m_delivery.result = transfer();
     m_delivery.trustFault = m_delivery.result == CURLE_SSL_CONNECT_ERROR ? trustFaultOfHandshake : 0;
     curl_easy_setopt(m_handle.get(), CURLOPT_POSTFIELDS, nullptr);
     curl_easy_setopt(m_handle.get(), CURLOPT_HTTPHEADER, nullptr);
@@ -167,19 +184,41 @@ Delivery Connection::perform(const Message& message)
     return m_delivery;
 }
 
-void Connection::forgetReply() noexcept
+/// What curl_easy_perform does, except that a fork may take place while it waits for the array.
+CURLcode Connection::transfer()
 {
-    wipe(m_reply);
-    if (m_reply.capacity() > kKeptReplyRoom) {
-        m_reply = SecretBytes();
+    CURLMcode fault = CURLM_OK;
+    int running = 1;
+    {
+        const ForkGate::Pass pass;
+        fault = curl_multi_add_handle(m_multi.get(), m_handle.get());
     }
+    while (fault == CURLM_OK && running > 0) {
+        {
+            const ForkGate::Pass pass;
+            fault = curl_multi_perform(m_multi.get(), &running);
+        }
+        if (fault == CURLM_OK && running > 0) {
+            fault = curl_multi_poll(m_multi.get(), nullptr, 0, kLongestWaitMs, nullptr);
+        }
+    }
+    const ForkGate::Pass pass;
+    const CURLcode result = fault == CURLM_OK ? resultOfTransfer() : CURLE_OUT_OF_MEMORY;
+    curl_multi_remove_handle(m_multi.get(), m_handle.get());
+    return result;
+}
+
+CURLcode Connection::resultOfTransfer()
+{
+    int waiting = 0;
+    const CURLMsg* message = curl_multi_info_read(m_multi.get(), &waiting);
+    return message != nullptr && message->msg == CURLMSG_DONE ? message->data.result : CURLE_OUT_OF_MEMORY;
 }
 
 void Connection::abandon(std::unique_ptr<Connection> connection) noexcept
 {
-    const curl_socket_t socket = connection->openSocket();
-    if (socket != CURL_SOCKET_BAD) {
-        close(socket);
+    if (connection->m_socket != CURL_SOCKET_BAD) {
+        close(connection->m_socket);
     }
     static_cast<void>(connection.release());
 }
@@ -256,7 +295,18 @@ curl_socket_t Connection::onOpenSocket(void* self, curlsocktype, curl_sockaddr* 
     if (!static_cast<Connection*>(self)->maySendAgain()) {
         return CURL_SOCKET_BAD;
     }
-    return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    auto& connection = *static_cast<Connection*>(self);
+    connection.m_socket = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    return connection.m_socket;
+}
+
+int Connection::onCloseSocket(void* self, curl_socket_t socket) noexcept
+{
+    auto& connection = *static_cast<Connection*>(self);
+    if (socket == connection.m_socket) {
+        connection.m_socket = CURL_SOCKET_BAD;
+    }
+    return close(socket);
 }
 
 }  // namespace brevan

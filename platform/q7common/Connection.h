@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace brevan {
@@ -51,10 +52,8 @@ public:
     /// before the first byte of a reply.
     Delivery perform(const Message& message);
 
-    /// The body of the last reply; valid until the next request.
-    std::string_view reply() const { return viewOf(m_reply); }
-    /// Wipes the reply, and gives back the room of a large one.
-    void forgetReply() noexcept;
+    /// The body of the last reply, which is the caller's from now on.
+    SecretBytes takeReply() noexcept { return std::move(m_reply); }
 
     /// In the child of a fork: lets go of a connection of the parent without a word to the array. Its memory stays behind
     /// on purpose, because freeing it would close the TLS session properly, in the parent's name.
@@ -69,14 +68,18 @@ private:
     struct HandleCloser {
         void operator()(CURL* handle) const noexcept;
     };
+    struct MultiCloser {
+        void operator()(CURLM* multi) const noexcept;
+    };
 
     template <typename Value>
     void set(CURLoption option, Value value);
     void setCallbacks();
     void setTls(const Server& server, const TlsSettings& tls);
     void setMessage(const Message& message);
-    curl_socket_t openSocket() const;
     bool isStale() const;
+    CURLcode transfer();
+    CURLcode resultOfTransfer();
     bool maySendAgain() const { return m_isRepeatable ? m_delivery.timesSent < 2 : m_delivery.timesSent < 1; }
 
     bool keepHeader(std::string_view line);
@@ -86,10 +89,13 @@ private:
     static std::size_t onReply(char* data, std::size_t size, std::size_t count, void* self) noexcept;
     static int onSending(void* self, char*, char*, int, int) noexcept;
     static curl_socket_t onOpenSocket(void* self, curlsocktype purpose, curl_sockaddr* address) noexcept;
+    static int onCloseSocket(void* self, curl_socket_t socket) noexcept;
 
     std::shared_ptr<TlsSessions> m_tlsSessions;  // outlives the handle, which uses it while it closes
     std::string m_connectTo;
     HeaderList m_connectToList;
+    curl_socket_t m_socket = CURL_SOCKET_BAD;     // of the connection that is kept; closing it, below, writes here
+    std::unique_ptr<CURLM, MultiCloser> m_multi;  // keeps the connection between requests
     std::unique_ptr<CURL, HandleCloser> m_handle;
     char m_errorText[CURL_ERROR_SIZE] = {};
     std::size_t m_replyLimit;

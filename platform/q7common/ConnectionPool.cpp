@@ -1,5 +1,7 @@
 #include "ConnectionPool.h"
 
+#include "ForkGate.h"
+
 #include <utility>
 
 namespace brevan {
@@ -18,6 +20,7 @@ std::string keyOf(const Server& server, const Settings& settings)
 
 void initialiseCurl()
 {
+    const ForkGate::Pass pass;
     static const CURLcode kResult = curl_global_init(CURL_GLOBAL_DEFAULT);
     if (kResult != CURLE_OK) {
         throw std::bad_alloc();
@@ -128,7 +131,6 @@ void ConnectionPool::unlockInChild() noexcept
             Connection::abandon(std::move(connection));
         }
         pool.idle.clear();
-        pool.tlsSessions.reset();
     }
     m_mutex.unlock();
 }

@@ -12,14 +12,15 @@
 
 namespace brevan {
 
-/// The connections that are not in use, by server and settings; the one that was used last goes out first, so that one thread stays
-/// on one warm connection and N threads open at most N. The lock is held to take and to give back only.
+/// The connections that are not in use, by server and settings; the one that was used last goes out first, so that one
+/// thread stays on one warm connection and N threads open at most N. The lock is held to take and to give back only.
 class ConnectionPool {
 public:
     /// Lives as long as the process.
     static ConnectionPool& instance();
 
-    /// A connection that is this thread's until the lease ends. Its destructor gives the connection back, unless `discard` was called.
+    /// A connection that is this thread's until the lease ends. It goes back to the pool where `keep` was called, and is
+    /// closed otherwise: after a failure nobody knows what state it is in.
     class Lease {
     public:
         Lease(ConnectionPool& pool, std::string key, std::unique_ptr<Connection> connection);
@@ -28,13 +29,13 @@ public:
         Lease& operator=(const Lease&) = delete;
 
         Connection* operator->() const { return m_connection.get(); }
-        void discard() noexcept { m_isGood = false; }
+        void keep() noexcept { m_isGood = true; }
 
     private:
         ConnectionPool& m_pool;
         std::string m_key;
         std::unique_ptr<Connection> m_connection;
-        bool m_isGood = true;
+        bool m_isGood = false;
     };
 
     /// Throws std::bad_alloc, or std::runtime_error where libcurl refuses a setting.

@@ -1,6 +1,7 @@
 #include "ForkGuard.h"
 
 #include "ConnectionPool.h"
+#include "ForkGate.h"
 #include "SessionStore.h"
 #include "Settings.h"
 
@@ -15,6 +16,7 @@ void beforeFork()
     SessionStore::instance().lockForFork();
     lockSettingsForFork();
     ConnectionPool::instance().lockForFork();
+    ForkGate::close();  // last: it is passed under the pool's lock
 }
 
 void unlockStores()
@@ -25,12 +27,14 @@ void unlockStores()
 
 void inParent()
 {
+    ForkGate::reopen();
     ConnectionPool::instance().unlockInParent();
     unlockStores();
 }
 
 void inChild()
 {
+    ForkGate::reopenInChild();
     ConnectionPool::instance().unlockInChild();
     unlockStores();
 }

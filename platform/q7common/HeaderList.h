@@ -14,8 +14,8 @@ namespace brevan {
 /// One header line that carries a secret, wiped when it goes.
 class SecretHeader {
 public:
-    /// Makes "name: value" of it, blanks before the value left out; an empty value makes no header. False, and no header, where
-    /// the value holds a control character: it could forge further headers.
+    /// Makes "name: value" of it, blanks before the value left out; an empty value makes no header. False, and no header,
+    /// where the value holds a control character: it could forge further headers.
     bool set(std::string_view name, std::string_view value);
 
     /// The line as C text, null where there is none.

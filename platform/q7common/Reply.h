@@ -2,6 +2,7 @@
 #define BREVAN_Q7COMMON_REPLY_H
 
 #include "RestResponse.h"
+#include "Secret.h"
 
 #include <json/value.h>
 
@@ -26,7 +27,8 @@ const char* parseReply(std::string_view text, Reply& reply);
 
 /// Fills and empties what the SDK reads.
 struct RestResponseAccess {
-    static void fill(RestResponse& response, brevan::Reply&& reply);
+    /// `text` is what `reply` was read from.
+    static void fill(RestResponse& response, brevan::Reply&& reply, brevan::SecretBytes&& text);
     static void clear(RestResponse& response) noexcept;
 };
 

@@ -79,7 +79,8 @@ REST_SEND_RESULT_E refuse(const Order& order, brevan::SessionStore::Finding find
         brevan::logFailure(order, REST_UNKNOWN_SESSION, "no session is open under this handle");
         return REST_UNKNOWN_SESSION;
     }
-    brevan::logFailure(order, REST_AMBIGUOUS_SESSION,
+    brevan::logFailure(
+        order, REST_AMBIGUOUS_SESSION,
         "two open sessions share the lower 32 bits of their keys, so that the handle does not tell which array is meant");
     return REST_AMBIGUOUS_SESSION;
 }

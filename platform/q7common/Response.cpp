@@ -4,8 +4,32 @@
 #include <charconv>
 #include <utility>
 
+// Copying a record costs about as much as half of reading the reply, and most callers read each record once. So a record is
+// handed out without a copy the first time. When one is asked for again, the reply is read once more and copies are made
+// from then on.
 struct RestResponse::Impl {
     brevan::Reply reply;
+    brevan::SecretBytes text;
+    unsigned int count = 0;
+    bool handsOut = true;
+
+    Json::Value& place(unsigned int index) { return reply.data.isArray() ? reply.data[index] : reply.data; }
+
+    Json::Value record(unsigned int index)
+    {
+        if (handsOut && place(index).isNull()) {
+            brevan::Reply again;
+            brevan::parseReply(brevan::viewOf(text), again);
+            reply.data.swap(again.data);
+            handsOut = false;
+        }
+        if (!handsOut) {
+            return place(index);
+        }
+        Json::Value handedOut;
+        handedOut.swap(place(index));
+        return handedOut;
+    }
 };
 
 namespace {
@@ -28,20 +52,12 @@ RestResponse::~RestResponse() = default;
 
 unsigned int RestResponse::count() const
 {
-    if (m_impl == nullptr || m_impl->reply.data.isNull()) {
-        return 0;
-    }
-    const Json::Value& data = m_impl->reply.data;
-    return data.isArray() ? data.size() : 1;
+    return m_impl == nullptr ? 0 : m_impl->count;
 }
 
 Json::Value RestResponse::operator[](unsigned int index) const
 {
-    if (index >= count()) {
-        return Json::Value();
-    }
-    const Json::Value& data = m_impl->reply.data;
-    return data.isArray() ? data[index] : data;
+    return index < count() ? m_impl->record(index) : Json::Value();
 }
 
 int RestResponse::getResponseCode(std::string& description) const
@@ -64,12 +80,13 @@ unsigned long long RestResponse::str2ull(const std::string& text)
     return toNumber<unsigned long long>(text);
 }
 
-void RestResponseAccess::fill(RestResponse& response, brevan::Reply&& reply)
+void RestResponseAccess::fill(RestResponse& response, brevan::Reply&& reply, brevan::SecretBytes&& text)
 {
-    if (response.m_impl == nullptr) {
-        response.m_impl = std::make_unique<RestResponse::Impl>();
-    }
-    response.m_impl->reply = std::move(reply);
+    auto impl = std::make_unique<RestResponse::Impl>();
+    impl->reply = std::move(reply);
+    impl->text = std::move(text);
+    impl->count = impl->reply.data.isObject() ? 1 : impl->reply.data.size();
+    response.m_impl = std::move(impl);
 }
 
 void RestResponseAccess::clear(RestResponse& response) noexcept

@@ -41,8 +41,11 @@ int report(const RunShellCmdInfo& command, const CommandOutcome& outcome, std::v
     errorText = outcome.errors.text() + outcome.output.text();
     const std::size_t dropped = outcome.output.dropped() + outcome.errors.dropped();
     if (dropped > 0) {
-        addNote(command, std::to_string(dropped) + " bytes of its output were dropped; command_output_kilobytes in "
-                         "transport.ini sets how much is kept", errorText);
+        addNote(command,
+                std::to_string(dropped) +
+                    " bytes of its output were dropped; command_output_kilobytes in "
+                    "transport.ini sets how much is kept",
+                errorText);
     }
     if (!outcome.fault.empty()) {
         addNote(command, outcome.fault, errorText);

@@ -24,10 +24,14 @@ constexpr Advice kAdvices[] = {
     {REST_BAD_PATH, "Correct the argument that the request was made from; nothing was sent."},
     {REST_BAD_SETTINGS, "Correct the transport settings named above and log in again; nothing was sent."},
     {REST_NO_CONNECTION, "Check address, port, network and that the array is running; nothing was sent."},
-    {REST_NOT_TRUSTED, "Set ca_file, server_name or pin_sha256 in transport.ini to what the array's certificate needs; nothing was sent."},
-    {REST_TIMED_OUT, "Look at the array before doing it again, because it may have been done; request_seconds in transport.ini sets the limit."},
+    {REST_NOT_TRUSTED,
+     "Set ca_file, server_name or pin_sha256 in transport.ini to what the array's certificate needs; nothing was sent."},
+    {REST_TIMED_OUT,
+     "Look at the array before doing it again, because it may have been done; request_seconds in transport.ini sets the "
+     "limit."},
     {REST_CONNECTION_LOST, "Look at the array before doing it again, because it may have been done."},
-    {REST_UNUSABLE_REPLY, "Check that address and port are the array's REST interface; the request may have been carried out."},
+    {REST_UNUSABLE_REPLY,
+     "Check that address and port are the array's REST interface; the request may have been carried out."},
     {REST_REPLY_TOO_LARGE, "Ask for less at once, or raise reply_megabytes in transport.ini."},
 };
 
@@ -66,7 +70,8 @@ std::string reasonOf(const Delivery& delivery, const char* text)
         return "the reply is larger than the limit";
     }
     // These two come from our own callbacks, which do not let libcurl send a second time.
-    const bool isRefusedRepetition = delivery.result == CURLE_ABORTED_BY_CALLBACK || delivery.result == CURLE_COULDNT_CONNECT;
+    const bool isRefusedRepetition =
+        delivery.result == CURLE_ABORTED_BY_CALLBACK || delivery.result == CURLE_COULDNT_CONNECT;
     if (delivery.timesSent > 0 && isRefusedRepetition) {
         return kLost;
     }
@@ -77,7 +82,8 @@ std::string reasonOf(const Delivery& delivery, const char* text)
         return std::string("certificate not accepted: ") + X509_verify_cert_error_string(delivery.trustFault);
     }
     const bool hasSystemError = delivery.timesSent == 0 && delivery.systemError != 0;
-    return hasSystemError ? text + (" (" + std::generic_category().message(static_cast<int>(delivery.systemError)) + ")") : text;
+    return hasSystemError ? text + (" (" + std::generic_category().message(static_cast<int>(delivery.systemError)) + ")")
+                          : text;
 }
 
 const char* adviceFor(REST_SEND_RESULT_E result)

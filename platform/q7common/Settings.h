@@ -45,8 +45,8 @@ using SettingsPointer = std::shared_ptr<const Settings>;
 /// throws std::bad_alloc only.
 SettingsPointer currentSettings();
 
-/// Reads the file again, which happens at each login. Settings that are not usable are returned, but do not replace usable ones:
-/// sessions that are open go on under those.
+/// Reads the file again, which happens at each login. Settings that are not usable are returned, but do not replace usable
+/// ones: sessions that are open go on under those.
 SettingsPointer refreshedSettings();
 
 /// Writes the problems to the run log, one line each.

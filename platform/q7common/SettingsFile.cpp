@@ -133,8 +133,10 @@ void applyAll(const std::vector<Assignment>& assignments, Settings& settings)
             if (seen.insert(nameOf(assignment)).second) {
                 apply(assignment, settings);
             } else {
-                settings.problems.push_back(problemAt(settings.file, assignment.line, nameOf(assignment) +
-                    " is set twice (a line that begins with a blank goes on with the setting before it)"));
+                settings.problems.push_back(
+                    problemAt(settings.file, assignment.line,
+                              nameOf(assignment) +
+                                  " is set twice (a line that begins with a blank goes on with the setting before it)"));
             }
         }
     }
@@ -148,7 +150,8 @@ std::string stampOf(const std::string& file)
         return {};
     }
     std::ostringstream stamp;
-    stamp << '\n' << file << ' ' << status.st_ino << ' ' << status.st_size << ' ' << status.st_mtim.tv_sec << ' '
+    stamp << '\n'
+          << file << ' ' << status.st_ino << ' ' << status.st_size << ' ' << status.st_mtim.tv_sec << ' '
           << status.st_mtim.tv_nsec;
     return stamp.str();
 }
@@ -232,8 +235,8 @@ Settings readSettingsFile(const std::string& file)
     }
     Settings settings = defaultSettings();
     settings.file = file;
-    settings.problems.push_back("Transport settings " + file + " cannot be used: " +
-        (fault == 0 ? "it is larger than 64 KiB" : std::strerror(fault)));
+    settings.problems.push_back("Transport settings " + file +
+                                " cannot be used: " + (fault == 0 ? "it is larger than 64 KiB" : std::strerror(fault)));
     return settings;
 }
 

@@ -12,8 +12,9 @@ namespace brevan {
 /// transport.ini beside this library, else /etc/brevan/transport.ini. Empty where there is none of the latter two.
 std::string findSettingsFile();
 
-/// Reads the settings of `file`; an empty name gives the defaults. Whatever is wrong (file not readable, line that is no setting,
-/// unknown name, value out of range, name given twice) stands in `problems`, with file, line, name and what is allowed.
+/// Reads the settings of `file`; an empty name gives the defaults. Whatever is wrong (file not readable, line that is no
+/// setting, unknown name, value out of range, name given twice) stands in `problems`, with file, line, name and what is
+/// allowed.
 Settings readSettingsFile(const std::string& file);
 
 /// The same from text; `file` is for the messages.

@@ -17,9 +17,9 @@ namespace {
 constexpr int kStatusDescriptor = 3;
 constexpr int kFirstFreeDescriptor = kStatusDescriptor + 1;
 
-// The outer shell stays until the command has ended, whatever signal its group gets, and then writes the status. The command runs in a
-// subshell without the status pipe, so that a background child that it leaves behind does not keep that pipe open. LC_ALL: what
-// the tools print is parsed.
+// The outer shell stays until the command has ended, whatever signal its group gets, and then writes the status. The command
+// runs in a subshell without the status pipe, so that a background child that it leaves behind does not keep that pipe open.
+// LC_ALL: what the tools print is parsed.
 constexpr const char* kScript = "trap : TERM INT HUP; LC_ALL=C; export LC_ALL; (eval \"$1\") 3>&-; echo $? >&3";
 
 // In a setuid program the environment is its caller's, who must not choose which programs run.
@@ -91,7 +91,8 @@ public:
     int spawn(const std::string& commandLine, pid_t& pid) const
     {
         std::string words[] = {"sh", "-c", kScript, "sh", commandLine};
-        char* const arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), words[4].data(), nullptr};
+        char* const arguments[] = {words[0].data(), words[1].data(), words[2].data(),
+                                   words[3].data(), words[4].data(), nullptr};
         char* const* environment = getauxval(AT_SECURE) != 0 ? kSafeEnvironment : environ;
         return posix_spawn(&pid, "/bin/sh", &m_actions, &m_attributes, arguments, environment);
     }

@@ -9,8 +9,9 @@
 
 namespace brevan {
 
-/// A command line that runs in a shell, in a process group of its own, with nothing of our descriptors. Its exit status comes through a
-/// pipe and not from waitpid, because the application may ignore SIGCHLD or collect all children in a thread of its own.
+/// A command line that runs in a shell, in a process group of its own, with nothing of our descriptors. Its exit status
+/// comes through a pipe and not from waitpid, because the application may ignore SIGCHLD or collect all children in a thread
+/// of its own.
 class ShellProcess {
 public:
     /// Starts it; what went wrong stands in `fault` as an errno value, 0: it runs.

@@ -5,8 +5,11 @@
 
 namespace brevan {
 
-SigPipeGuard::SigPipeGuard() noexcept
+SigPipeGuard::SigPipeGuard(bool isNeeded) noexcept : m_isActive(isNeeded)
 {
+    if (!m_isActive) {
+        return;
+    }
     const int errnoBefore = errno;
     sigemptyset(&m_pipe);
     sigaddset(&m_pipe, SIGPIPE);
@@ -21,6 +24,9 @@ SigPipeGuard::SigPipeGuard() noexcept
 
 SigPipeGuard::~SigPipeGuard()
 {
+    if (!m_isActive) {
+        return;
+    }
     const int errnoBefore = errno;
     if (!m_wasPending) {
         const timespec kNow{};

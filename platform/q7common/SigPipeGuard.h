@@ -9,12 +9,14 @@ namespace brevan {
 /// pending afterwards. The application's handlers and those of its other threads stay as they are.
 class SigPipeGuard {
 public:
-    SigPipeGuard() noexcept;
+    /// Does nothing where it is not needed.
+    explicit SigPipeGuard(bool isNeeded) noexcept;
     ~SigPipeGuard();
     SigPipeGuard(const SigPipeGuard&) = delete;
     SigPipeGuard& operator=(const SigPipeGuard&) = delete;
 
 private:
+    bool m_isActive;
     sigset_t m_pipe;
     sigset_t m_before;
     bool m_wasPending = false;

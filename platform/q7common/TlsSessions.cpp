@@ -1,8 +1,16 @@
 #include "TlsSessions.h"
 
+#include "ForkGate.h"
+
 #include <new>
 
 namespace brevan {
+
+void TlsSessions::ShareCloser::operator()(CURLSH* share) const noexcept
+{
+    const ForkGate::Pass pass;
+    curl_share_cleanup(share);
+}
 
 TlsSessions::TlsSessions() : m_share(curl_share_init())
 {

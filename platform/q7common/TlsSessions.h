@@ -9,7 +9,8 @@
 
 namespace brevan {
 
-/// The TLS sessions of one server, shared by its connections, so that a further connection resumes instead of shaking hands in full.
+/// The TLS sessions of one server, shared by its connections, so that a further connection resumes instead of shaking hands
+/// in full.
 class TlsSessions {
 public:
     TlsSessions();
@@ -17,7 +18,7 @@ public:
 
 private:
     struct ShareCloser {
-        void operator()(CURLSH* share) const noexcept { curl_share_cleanup(share); }
+        void operator()(CURLSH* share) const noexcept;
     };
     static void lock(CURL*, curl_lock_data data, curl_lock_access, void* self) noexcept;
     static void unlock(CURL*, curl_lock_data data, void* self) noexcept;

@@ -54,7 +54,8 @@ SettingsPointer settingsFor(const Order& order)
     if (isLogin(order) && settings->isUsable() && !settings->tlsFor(order.server->host).verify) {
         const bool hasPin = !settings->tlsFor(order.server->host).pin.empty();
         logWarning("TLS verification is off for " + baseUrl(*order.server) + " ([tls] verify in " + settings->file + "): " +
-            (hasPin ? "only the public key is checked." : "anybody on the network can read the password. Set ca_file instead."));
+                   (hasPin ? "only the public key is checked."
+                           : "anybody on the network can read the password. Set ca_file instead."));
     }
     return settings;
 }
@@ -64,16 +65,16 @@ bool hasBody(const Order& order)
     return order.mode == REST_POST || order.mode == REST_PUT || !order.body->isEmpty();
 }
 
-Outcome parse(std::string_view text, long httpStatus, RestResponse& response)
+Outcome parse(SecretBytes&& text, long httpStatus, RestResponse& response)
 {
     Reply reply;
-    const char* fault = parseReply(text, reply);
+    const char* fault = parseReply(viewOf(text), reply);
     const bool isSuccess = httpStatus >= 200 && httpStatus < 300;
     if (fault != nullptr || (!isSuccess && reply.code == 0)) {
         const char* reason = fault != nullptr ? fault : "it carries no error of the array";
         return {REST_UNUSABLE_REPLY, "the reply (HTTP status " + std::to_string(httpStatus) + ") is not usable: " + reason};
     }
-    RestResponseAccess::fill(response, std::move(reply));
+    RestResponseAccess::fill(response, std::move(reply), std::move(text));
     return {REST_ANSWERED, {}};
 }
 
@@ -88,10 +89,10 @@ Outcome failed(REST_SEND_RESULT_E result, const Delivery& delivery, const char* 
     }
 }
 
-Outcome readReply(std::string_view text, long httpStatus, RestResponse& response)
+Outcome readReply(SecretBytes&& text, long httpStatus, RestResponse& response)
 {
     try {
-        return parse(text, httpStatus, response);
+        return parse(std::move(text), httpStatus, response);
     } catch (const std::bad_alloc&) {
         return {REST_UNUSABLE_REPLY, "no memory left"};
     }
@@ -101,23 +102,23 @@ Outcome exchange(const Order& order, const Settings& settings, const std::string
                  std::vector<std::string>* headerLines)
 {
     HeaderList headers;
-    headers.add("Content-Type: application/json");
     headers.add("Accept: application/json");
-    headers.add("Expect:");  // not asking before a large body saves a second of waiting for servers that do not answer that
+    if (hasBody(order)) {
+        headers.add("Content-Type: application/json");
+        headers.add("Expect:");  // not asking before a large body saves a second where the server does not answer that
+    }
     headers.add(order.token);
     headers.add(order.cookie);
     const SecretBytes body = hasBody(order) ? order.body->json() : SecretBytes();
     ConnectionPool::Lease connection = ConnectionPool::instance().take(*order.server, settings);
-    const Delivery delivery = connection->perform(
-        {order.mode, url.c_str(), headers.list(), hasBody(order) ? &body : nullptr, headerLines});
+    const Delivery delivery =
+        connection->perform({order.mode, url.c_str(), headers.list(), hasBody(order) ? &body : nullptr, headerLines});
     const REST_SEND_RESULT_E result = resultOf(delivery);
     if (result != REST_ANSWERED) {
-        connection.discard();
         return failed(result, delivery, connection->failureText());
     }
-    Outcome outcome = readReply(connection->reply(), delivery.httpStatus, response);
-    connection->forgetReply();
-    return outcome;
+    connection.keep();
+    return readReply(connection->takeReply(), delivery.httpStatus, response);
 }
 
 Outcome carryOut(const Order& order, RestResponse& response, std::vector<std::string>* headerLines)

@@ -115,10 +115,14 @@ PathFault checkPath(std::string_view path)
 const char* describe(PathFault fault)
 {
     switch (fault) {
-        case PathFault::None: return "the path is good";
-        case PathFault::NotAbsolute: return "the path does not begin with \"/\"";
-        case PathFault::ControlCharacter: return "the path holds a control character";
-        case PathFault::ParentSegment: return "the path holds a \"..\" segment";
+        case PathFault::None:
+            return "the path is good";
+        case PathFault::NotAbsolute:
+            return "the path does not begin with \"/\"";
+        case PathFault::ControlCharacter:
+            return "the path holds a control character";
+        case PathFault::ParentSegment:
+            return "the path holds a \"..\" segment";
     }
     return "the path is not usable";
 }

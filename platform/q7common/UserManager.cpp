@@ -22,8 +22,8 @@ void CUserManager::RegisterSession(const void* key, const std::string& deviceId,
         session->server = brevan::makeServer(ip, std::to_string(port));
         session->address = brevan::urlHost(ip) + ":" + std::to_string(port);
         session->deviceId = deviceId;
-        session->isSendable = session->token.set(brevan::kTokenHeader, token) &&
-                              session->cookie.set(brevan::kCookieHeader, cookie);
+        session->isSendable =
+            session->token.set(brevan::kTokenHeader, token) && session->cookie.set(brevan::kCookieHeader, cookie);
         session->openedHere = openedHere;
         brevan::SessionStore::instance().put(key, std::move(session));
     } catch (const std::exception&) {

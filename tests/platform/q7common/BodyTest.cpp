@@ -52,12 +52,12 @@ TEST(Body, IsInvalidWithTextThatIsNotUtf8)
 
 TEST(Utf8, IsToldFromOtherBytes)
 {
-    for (const char* good : {"", "a", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf", "\xef\xbf\xbf", "\xf0\x90\x80\x80",
-                             "\xf4\x8f\xbf\xbf"}) {
+    for (const char* good : {"", "a", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf", "\xef\xbf\xbf",
+                             "\xf0\x90\x80\x80", "\xf4\x8f\xbf\xbf"}) {
         EXPECT_TRUE(isUtf8(good)) << good;
     }
-    for (const char* bad : {"\x80", "\xc0\xaf", "\xc1\xbf", "\xc3", "\xc3(", "\xe0\x9f\xbf", "\xed\xa0\x80", "\xe2\x82", "\xf0\x8f\xbf\xbf",
-                            "\xf4\x90\x80\x80", "\xf5\x80\x80\x80", "\xff"}) {
+    for (const char* bad : {"\x80", "\xc0\xaf", "\xc1\xbf", "\xc3", "\xc3(", "\xe0\x9f\xbf", "\xed\xa0\x80", "\xe2\x82",
+                            "\xf0\x8f\xbf\xbf", "\xf4\x90\x80\x80", "\xf5\x80\x80\x80", "\xff"}) {
         EXPECT_FALSE(isUtf8(bad)) << bad;
     }
 }

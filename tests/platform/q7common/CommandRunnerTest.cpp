@@ -14,9 +14,9 @@
 namespace brevan {
 namespace {
 
-using ::testing::HasSubstr;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
+using ::testing::HasSubstr;
 
 constexpr CommandLimits kPatient{seconds(60), seconds(1), 1024 * 1024};
 constexpr CommandLimits kHasty{milliseconds(300), milliseconds(200), 1024 * 1024};
@@ -36,7 +36,8 @@ bool succeedsInChild(Body body)
 
 bool isRightOutcome(const CommandOutcome& outcome)
 {
-    return outcome.fault.empty() && outcome.exitStatus == 7 && outcome.output.text() == "out\n" && outcome.errors.text() == "err\n";
+    return outcome.fault.empty() && outcome.exitStatus == 7 && outcome.output.text() == "out\n" &&
+           outcome.errors.text() == "err\n";
 }
 
 constexpr const char* kThreeResults = "echo out; echo err >&2; exit 7";
@@ -71,7 +72,8 @@ TEST(CommandRunner, ReportsAShellThatWasKilled)
 TEST(CommandRunner, GivesTheCommandNothingToReadAndNoOtherDescriptor)
 {
     const int inherited = open("/dev/null", O_RDONLY);
-    EXPECT_EQ(runCommandLine("cat; ls /proc/self/fd", kPatient).output.text(), "0\n1\n2\n3\n");  // 3: the folder that ls reads
+    EXPECT_EQ(runCommandLine("cat; ls /proc/self/fd", kPatient).output.text(),
+              "0\n1\n2\n3\n");  // 3: the folder that ls reads
     close(inherited);
 }
 
@@ -95,7 +97,8 @@ TEST(CommandRunner, KillsACommandThatIgnoresTheRequestToEnd)
 {
     const test::TemporaryFolder folder;
     const std::string beats = folder.write("beats", "");
-    const CommandOutcome outcome = runCommandLine("trap '' TERM; (while :; do echo >> " + beats + "; sleep 0.02; done)", kHasty);
+    const CommandOutcome outcome =
+        runCommandLine("trap '' TERM; (while :; do echo >> " + beats + "; sleep 0.02; done)", kHasty);
     EXPECT_NE(outcome.fault, "");
     const auto count = std::filesystem::file_size(beats);
     std::this_thread::sleep_for(milliseconds(200));

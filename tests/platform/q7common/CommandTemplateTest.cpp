@@ -1,5 +1,5 @@
-#include "platform/q7common/CommandTemplate.h"
 #include "platform/q7common/CommandRunner.h"
+#include "platform/q7common/CommandTemplate.h"
 
 #include <gtest/gtest.h>
 
@@ -42,8 +42,9 @@ TEST(CommandTemplate, RefusesTheWrongCount)
 
 TEST(CommandTemplate, RefusesWhatNoParameterMayBe)
 {
-    for (const std::string& bad : {std::string(), std::string("-rf"), std::string("-"), std::string("a\nb"), std::string("a\0b", 3),
-                                   std::string("\x7f"), std::string(4097, 'a'), std::string(1024 * 1024, 'a')}) {
+    for (const std::string& bad :
+         {std::string(), std::string("-rf"), std::string("-"), std::string("a\nb"), std::string("a\0b", 3),
+          std::string("\x7f"), std::string(4097, 'a'), std::string(1024 * 1024, 'a')}) {
         EXPECT_EQ(fill("a ?", {bad}).substr(0, 7), "refused");
         EXPECT_EQ(fill("a '?'", {bad}).substr(0, 7), "refused");
     }
@@ -52,10 +53,11 @@ TEST(CommandTemplate, RefusesWhatNoParameterMayBe)
 TEST(CommandTemplate, MakesOneArgumentOfAnything)
 {
     const std::string long4096(4096, 'x');
-    for (const std::string& hostile : {std::string("a'b"), std::string("'"), std::string("''"), std::string("\""), std::string("; id"),
-                                       std::string("$(id)"), std::string("`id`"), std::string("a b  c"), std::string("*"), std::string("\\"),
-                                       std::string("?"), std::string("$HOME"), std::string("x' ; id ; '"), std::string("\xff\xfe"),
-                                       std::string("!x"), std::string("~"), std::string("#a"), std::string("a\\'b"), long4096}) {
+    for (const std::string& hostile :
+         {std::string("a'b"), std::string("'"), std::string("''"), std::string("\""), std::string("; id"),
+          std::string("$(id)"), std::string("`id`"), std::string("a b  c"), std::string("*"), std::string("\\"),
+          std::string("?"), std::string("$HOME"), std::string("x' ; id ; '"), std::string("\xff\xfe"), std::string("!x"),
+          std::string("~"), std::string("#a"), std::string("a\\'b"), long4096}) {
         EXPECT_EQ(outputOf(fill("printf '%s.%s' ? end", {hostile})), hostile + ".end");
         EXPECT_EQ(outputOf(fill("printf '%s.%s' '?' end", {hostile})), hostile + ".end");
     }

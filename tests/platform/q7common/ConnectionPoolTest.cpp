@@ -19,22 +19,39 @@ TEST_F(Pool, GivesOutTheLastUsedFirst)
     const Server server{"127.0.0.1", "1"};
     Connection* last = nullptr;
     {
-        const ConnectionPool::Lease first = pool.take(server, settings);
-        const ConnectionPool::Lease second = pool.take(server, settings);
+        ConnectionPool::Lease first = pool.take(server, settings);
+        ConnectionPool::Lease second = pool.take(server, settings);
+        first.keep();
+        second.keep();
         last = first.operator->();  // leases end in reverse order
         EXPECT_NE(first.operator->(), second.operator->());
     }
     EXPECT_EQ(pool.take(server, settings).operator->(), last);
 }
 
+TEST_F(Pool, ClosesWhatIsNotToBeKept)
+{
+    const test::TlsServer server(test::identity());
+    const SettingsPointer settings = currentSettings();
+    const Server address{"127.0.0.1", std::to_string(server.port())};
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    {
+        const ConnectionPool::Lease failed = ConnectionPool::instance().take(address, *settings);
+    }
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
+    EXPECT_EQ(server.connectionCount(), 2);
+}
+
 TEST_F(Pool, KeepsServersAndSettingsApart)
 {
     ConnectionPool pool;
     Settings settings = *currentSettings();
-    Connection* first = pool.take({"127.0.0.1", "1"}, settings).operator->();
-    EXPECT_NE(pool.take({"127.0.0.1", "2"}, settings).operator->(), first);
+    ConnectionPool::Lease first = pool.take({"127.0.0.1", "1"}, settings);
+    const Connection* connection = first.operator->();
+    first.keep();
+    EXPECT_NE(pool.take({"127.0.0.1", "2"}, settings).operator->(), connection);
     ++settings.generation;
-    EXPECT_NE(pool.take({"127.0.0.1", "1"}, settings).operator->(), first);
+    EXPECT_NE(pool.take({"127.0.0.1", "1"}, settings).operator->(), connection);
 }
 
 TEST_F(Pool, ClosesWhatIsIdleForLong)
@@ -73,7 +90,8 @@ TEST_F(Pool, ResumesTheTlsSessionForAFurtherConnection)
     const test::TlsServer server(test::identity());
     EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
     const SettingsPointer settings = currentSettings();
-    const ConnectionPool::Lease busy = ConnectionPool::instance().take({"127.0.0.1", std::to_string(server.port())}, *settings);
+    const ConnectionPool::Lease busy =
+        ConnectionPool::instance().take({"127.0.0.1", std::to_string(server.port())}, *settings);
     EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
     EXPECT_EQ(server.connectionCount(), 2);
     EXPECT_EQ(server.fullHandshakes(), 1);
@@ -85,7 +103,8 @@ TEST_F(Pool, OfAChildProcessTouchesNoConnectionOfItsParent)
     EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
     const pid_t child = fork();
     if (child == 0) {
-        const bool isRight = test::get(server.url()).result == REST_ANSWERED && test::get(server.url()).result == REST_ANSWERED;
+        const bool isRight =
+            test::get(server.url()).result == REST_ANSWERED && test::get(server.url()).result == REST_ANSWERED;
         _exit(isRight ? 0 : 1);
     }
     int status = -1;

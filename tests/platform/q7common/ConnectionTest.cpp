@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 namespace brevan::test {
@@ -16,8 +17,8 @@ constexpr REST_REQUEST_MODE_E kModes[] = {REST_GET, REST_POST, REST_PUT, REST_DE
 
 class ConnectionTo : public TransportTest {};
 
-/// Answers the first request and ends the connection at the second, as if the array had carried it out but could not tell; what
-/// comes later is answered again.
+/// Answers the first request and ends the connection at the second, as if the array had carried it out but could not tell;
+/// what comes later is answered again.
 TlsServer::Handler breakAtSecond(std::atomic<int>& count, bool withReset)
 {
     return [&count, withReset](Peer& peer, const Received&) {
@@ -104,6 +105,19 @@ TEST_F(ConnectionTo, AServerThatClosedItWhileIdleIsMadeAnewBeforeUse)
     EXPECT_THAT(RunLogRecorder::lines(), IsEmpty());
 }
 
+TEST_F(ConnectionTo, AServerThatGoesWhileWeWriteRaisesNoSignal)
+{
+    TlsServer::Options options;
+    options.resetsAtFirstByte = true;
+    const TlsServer server(identity(), TlsServer::answerAlways, options);
+    RestRequest request;
+    Sent sent;
+    request.SetServerUrl(server.url());
+    request.BodyAddProperty("TEXT", std::string(16 * 1024 * 1024, 'x'));
+    EXPECT_EQ(request.SendRequest("/x", REST_POST, sent.response, sent.headerLines, false), REST_CONNECTION_LOST);
+    EXPECT_EQ(server.connectionCount(), 1);
+}
+
 TEST_F(ConnectionTo, ARestartedServerIsMadeAnew)
 {
     TlsServer::Options options;
@@ -135,6 +149,32 @@ TEST_F(ConnectionTo, AServerThatNeverAnswersEndsInTime)
         EXPECT_EQ(send(server.url(), mode).result, REST_TIMED_OUT);
         EXPECT_EQ(server.requestCount(), 1U);
     }
+}
+
+TEST_F(ConnectionTo, AServerStandsSignals)
+{
+    struct sigaction action {};
+    struct sigaction before {};
+    action.sa_handler = [](int) {};  // without SA_RESTART: system calls end early
+    sigaction(SIGUSR1, &action, &before);
+    std::atomic<bool> isOver{false};
+    const TlsServer server(identity(), [](Peer& peer, const Received&) {
+        std::this_thread::sleep_for(milliseconds(50));
+        peer.answer(kSuccess);
+    });
+    std::thread sender([&isOver, receiver = pthread_self()] {
+        while (!isOver) {
+            pthread_kill(receiver, SIGUSR1);
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+    });
+    for (const REST_REQUEST_MODE_E mode : kModes) {
+        EXPECT_EQ(send(server.url(), mode).result, REST_ANSWERED);
+    }
+    isOver = true;
+    sender.join();
+    sigaction(SIGUSR1, &before, nullptr);
+    EXPECT_EQ(server.requestCount(), 4U);
 }
 
 TEST_F(ConnectionTo, AServerThatNeverShakesHandsEndsInTime)

@@ -16,6 +16,9 @@ class Fork : public test::TransportTest {};
 
 TEST_F(Fork, InTheMiddleOfOtherThreadsRequestsLeavesTheChildUsable)
 {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the address sanitizer's allocator may be locked in the child of a fork (GCC 12)";
+#endif
     const test::TlsServer server(test::identity());
     std::atomic<bool> isOver{false};
     std::vector<std::thread> threads;

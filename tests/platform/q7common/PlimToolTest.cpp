@@ -13,7 +13,8 @@ TEST(AddressCheck, AcceptsIpLiterals)
 
 TEST(AddressCheck, RefusesEverythingElse)
 {
-    for (const char* ip : {"", "array-1", "192.0.2", "192.0.2.256", "192.0.2.1 ", "192.0.2.1:80", "[::1]", "1:2", "::g", "010.1.1.1.1"}) {
+    for (const char* ip :
+         {"", "array-1", "192.0.2", "192.0.2.256", "192.0.2.1 ", "192.0.2.1:80", "[::1]", "1:2", "::g", "010.1.1.1.1"}) {
         EXPECT_EQ(PlimTool::CheckIPValid(ip), 0) << ip;
     }
     EXPECT_EQ(PlimTool::CheckIPValid(std::string("192.0.2.1\0", 10)), 0);

@@ -29,8 +29,8 @@ TEST(ReplyParser, ReadsACodeThatIsText)
 
 TEST(ReplyParser, RefusesCodesThatAreNoWholeNumber)
 {
-    for (const char* code : {"\"\"", "\"1x\"", "\" 1\"", "\"+1\"", "1.5", "null", "true", "{}", "[]", "9999999999", "\"9999999999\"",
-                             "1e999"}) {
+    for (const char* code : {"\"\"", "\"1x\"", "\" 1\"", "\"+1\"", "1.5", "null", "true", "{}", "[]", "9999999999",
+                             "\"9999999999\"", "1e999"}) {
         EXPECT_FALSE(isUsable(std::string(R"({"error":{"code":)") + code + "}}")) << code;
     }
 }
@@ -59,9 +59,10 @@ TEST(ReplyParser, RefusesRecordsThatAreNoObjects)
 
 TEST(ReplyParser, RefusesWhatIsNoReply)
 {
-    for (const char* text : {"", " ", "null", "5", "[]", "{}", R"({"error":0})", R"({"error":{}})", "{\"error\":{\"code\":0}", "<html>",
-                             R"({"error":{"code":0}}x)", R"({'error':{'code':0}})", R"({"error":{"code":0},})",
-                             R"(/**/{"error":{"code":0}})", R"({"error":{"code":0,"description":[]}})", R"({"error":{"code":NaN}})"}) {
+    for (const char* text :
+         {"", " ", "null", "5", "[]", "{}", R"({"error":0})", R"({"error":{}})", "{\"error\":{\"code\":0}", "<html>",
+          R"({"error":{"code":0}}x)", R"({'error':{'code':0}})", R"({"error":{"code":0},})", R"(/**/{"error":{"code":0}})",
+          R"({"error":{"code":0,"description":[]}})", R"({"error":{"code":NaN}})"}) {
         EXPECT_FALSE(isUsable(text)) << text;
     }
 }

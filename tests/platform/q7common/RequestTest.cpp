@@ -46,7 +46,8 @@ TEST_F(Request, UnderASessionGetsItsServerPathAndHeaders)
     EXPECT_EQ(sendUnder(1), REST_ANSWERED);
     const Received request = server.requests().at(0);
     EXPECT_EQ(request.target, "/deviceManager/rest/dev%201/lun/7");
-    EXPECT_THAT(request.head, AllOf(HasSubstr("\r\niBaseToken: canary-token\r\n"), HasSubstr("\r\nCookie: session=canary-cookie\r\n")));
+    EXPECT_THAT(request.head,
+                AllOf(HasSubstr("\r\niBaseToken: canary-token\r\n"), HasSubstr("\r\nCookie: session=canary-cookie\r\n")));
 }
 
 TEST_F(Request, WithoutASessionSendsTheHeadersThatItWasGiven)
@@ -59,7 +60,8 @@ TEST_F(Request, WithoutASessionSendsTheHeadersThatItWasGiven)
     request.HeaderAddProperty(HTTP_HEADER_COOKIE, "c1");
     request.HeaderAddProperty(static_cast<HTTP_HEADER_E>(3), "other");
     EXPECT_EQ(request.SendRequest("/x", REST_GET, sent.response, sent.headerLines, false), REST_ANSWERED);
-    EXPECT_THAT(server.requests().at(0).head, AllOf(HasSubstr("iBaseToken: t1\r\n"), HasSubstr("Cookie: c1\r\n"), Not(HasSubstr("other"))));
+    EXPECT_THAT(server.requests().at(0).head,
+                AllOf(HasSubstr("iBaseToken: t1\r\n"), HasSubstr("Cookie: c1\r\n"), Not(HasSubstr("other"))));
 }
 
 TEST_F(Request, SendsNoHeaderForAnEmptyValue)
@@ -108,8 +110,9 @@ TEST_F(Request, WritesItsBodyInTheOrderOfTheCalls)
     request.BodyAddProperty("ul", 4294967296UL);
     request.BodyAddProperty("ull", 18446744073709551615ULL);
     request.SendRequest("/x", REST_POST, sent.response, sent.headerLines, false);
-    EXPECT_EQ(server.requests().at(0).body, "{\"zz\":\"text\",\"aa\":\"q\\\"\\\\\\u000a\\u0001\xc3\xa4\",\"scope\":-5,\"flag\":true,"
-                                            "\"ul\":4294967296,\"ull\":18446744073709551615}");
+    EXPECT_EQ(server.requests().at(0).body,
+              "{\"zz\":\"text\",\"aa\":\"q\\\"\\\\\\u000a\\u0001\xc3\xa4\",\"scope\":-5,\"flag\":true,"
+              "\"ul\":4294967296,\"ull\":18446744073709551615}");
 }
 
 TEST_F(Request, GivesHeaderLinesOnlyWhereTheyAreWanted)

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace brevan {
 namespace {
 
@@ -10,7 +12,7 @@ RestResponse responseOf(const char* text)
     Reply reply;
     EXPECT_EQ(parseReply(text, reply), nullptr);
     RestResponse response;
-    RestResponseAccess::fill(response, std::move(reply));
+    RestResponseAccess::fill(response, std::move(reply), SecretBytes(text, text + std::strlen(text)));
     return response;
 }
 
@@ -38,6 +40,21 @@ TEST(Response, GivesRecordsByIndexAndNullBeyond)
     EXPECT_EQ(response[1]["ID"].asString(), "2");
     EXPECT_TRUE(response[2].isNull());
     EXPECT_TRUE(response[4294967295U].isNull());
+}
+
+TEST(Response, GivesARecordAsOftenAsItIsAsked)
+{
+    for (const char* text :
+         {R"({"data":[{"ID":"1"},{"ID":"2"},{}],"error":{"code":0}})", R"({"data":{"ID":"1"},"error":{"code":0}})"}) {
+        const RestResponse response = responseOf(text);
+        for (int round = 0; round < 3; ++round) {
+            EXPECT_EQ(response[0]["ID"].asString(), "1");
+            EXPECT_EQ(response[1]["ID"].asString(), response.count() == 3 ? "2" : "");
+            EXPECT_TRUE(response[2].empty());
+        }
+        std::string description;
+        EXPECT_EQ(response.getResponseCode(description), 0);
+    }
 }
 
 TEST(Response, IsEmptyAfterItWasMoved)

@@ -16,8 +16,8 @@ Delivery delivery(CURLcode result, int timesSent, bool hasReplyHead = false)
 
 TEST(SendResult, SaysThatNothingWasSentOnlyWhereThatIsSure)
 {
-    for (const CURLcode result : {CURLE_COULDNT_CONNECT, CURLE_OPERATION_TIMEDOUT, CURLE_SSL_CONNECT_ERROR, CURLE_OUT_OF_MEMORY,
-                                  CURLE_COULDNT_RESOLVE_HOST, CURLE_SEND_ERROR}) {
+    for (const CURLcode result : {CURLE_COULDNT_CONNECT, CURLE_OPERATION_TIMEDOUT, CURLE_SSL_CONNECT_ERROR,
+                                  CURLE_OUT_OF_MEMORY, CURLE_COULDNT_RESOLVE_HOST, CURLE_SEND_ERROR}) {
         EXPECT_EQ(resultOf(delivery(result, 0)), REST_NO_CONNECTION) << result;
         EXPECT_NE(resultOf(delivery(result, 1)), REST_NO_CONNECTION) << result;
     }

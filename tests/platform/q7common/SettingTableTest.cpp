@@ -86,8 +86,9 @@ TEST(SettingTable, IsDocumentedInFull)
     const std::string document = fileText("docs/settings.md");
     for (const SettingRow& row : SettingTable()) {
         const std::string unit = row.unit.empty() ? "" : std::string(row.unit);
-        const std::string line = "| `[" + std::string(row.section) + "] " + std::string(row.key) + "` | " + unit + (unit.empty() ? "| " : " | ") +
-                                 (row.defaultText.empty() ? "none" : std::string(row.defaultText)) + " | " + allowedValues(row) + " |";
+        const std::string line =
+            "| `[" + std::string(row.section) + "] " + std::string(row.key) + "` | " + unit + (unit.empty() ? "| " : " | ") +
+            (row.defaultText.empty() ? "none" : std::string(row.defaultText)) + " | " + allowedValues(row) + " |";
         EXPECT_THAT(document, HasSubstr(line));
     }
 }
@@ -96,7 +97,8 @@ TEST(SettingTable, StandsInTheShippedFileWithItsDefaults)
 {
     const std::string shipped = fileText("platform/q7common/transport.ini");
     for (const SettingRow& row : SettingTable()) {
-        const std::string line = "\n# " + std::string(row.key) + " =" + (row.defaultText.empty() ? "" : " ") + std::string(row.defaultText) + "\n";
+        const std::string line = "\n# " + std::string(row.key) + " =" + (row.defaultText.empty() ? "" : " ") +
+                                 std::string(row.defaultText) + "\n";
         EXPECT_THAT(shipped, HasSubstr(line));
         EXPECT_THAT(shipped, HasSubstr("\n[" + std::string(row.section) + "]\n"));
         EXPECT_TRUE(!row.isNumber() || shipped.find(": " + allowedValues(row) + ".\n") != std::string::npos) << row.key;

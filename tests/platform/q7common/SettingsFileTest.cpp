@@ -20,7 +20,8 @@ std::vector<std::string> problemsOf(const std::string& text)
 
 TEST(SettingsFile, SetsWhatItNamesAndLeavesTheRest)
 {
-    const Settings settings = readSettingsText("[tls]\nverify = off ; for now\n# comment\n[time]\nconnect_seconds=0.5\r\n", "/f.ini");
+    const Settings settings =
+        readSettingsText("[tls]\nverify = off ; for now\n# comment\n[time]\nconnect_seconds=0.5\r\n", "/f.ini");
     EXPECT_THAT(settings.problems, IsEmpty());
     EXPECT_FALSE(settings.tls.verify);
     EXPECT_EQ(settings.connectTime, std::chrono::milliseconds(500));
@@ -29,14 +30,16 @@ TEST(SettingsFile, SetsWhatItNamesAndLeavesTheRest)
 
 TEST(SettingsFile, NamesFileLineKeyAndRangeOfABadValue)
 {
-    EXPECT_THAT(problemsOf("\n[time]\nrequest_seconds = 0\n"),
-                ElementsAre("Transport settings /f.ini:3: [time] request_seconds is out of range; allowed: 0.1 to 3600 seconds"));
+    EXPECT_THAT(
+        problemsOf("\n[time]\nrequest_seconds = 0\n"),
+        ElementsAre("Transport settings /f.ini:3: [time] request_seconds is out of range; allowed: 0.1 to 3600 seconds"));
 }
 
 TEST(SettingsFile, NamesWhatIsNoSetting)
 {
     EXPECT_THAT(problemsOf("[tls]\nverfy = on\n[nett]\nproxy =\n"),
-                ElementsAre(HasSubstr("/f.ini:2: [tls] verfy is not a setting"), HasSubstr("/f.ini:4: [nett] proxy is not a setting")));
+                ElementsAre(HasSubstr("/f.ini:2: [tls] verfy is not a setting"),
+                            HasSubstr("/f.ini:4: [nett] proxy is not a setting")));
     EXPECT_THAT(problemsOf("verify = on\n"), ElementsAre(HasSubstr("/f.ini:1: [] verify is not a setting")));
 }
 
@@ -44,24 +47,28 @@ TEST(SettingsFile, NamesALineThatIsNoSetting)
 {
     EXPECT_THAT(problemsOf("[tls]\nverify\n"), ElementsAre(HasSubstr("/f.ini:2: expected [section] or key = value")));
     EXPECT_THAT(problemsOf("[tls\n"), ElementsAre(HasSubstr("/f.ini:1: expected")));
-    EXPECT_THAT(problemsOf("[tls]\n# " + std::string(300, 'x') + "\n"), ElementsAre(HasSubstr("/f.ini:2: the line is too long")));
+    EXPECT_THAT(problemsOf("[tls]\n# " + std::string(300, 'x') + "\n"),
+                ElementsAre(HasSubstr("/f.ini:2: the line is too long")));
     EXPECT_THAT(problemsOf(std::string("[tls]\nverify = on\0\n", 18)), ElementsAre(HasSubstr("not a text file")));
 }
 
 TEST(SettingsFile, RefusesASettingThatIsGivenTwice)
 {
-    EXPECT_THAT(problemsOf("[tls]\nverify = on\nverify = off\n"), ElementsAre(HasSubstr("/f.ini:3: [tls] verify is set twice")));
+    EXPECT_THAT(problemsOf("[tls]\nverify = on\nverify = off\n"),
+                ElementsAre(HasSubstr("/f.ini:3: [tls] verify is set twice")));
     EXPECT_THAT(problemsOf("[tls]\nverify = on\n  server_name = x\n"), ElementsAre(HasSubstr("begins with a blank")));
 }
 
 TEST(SettingsFile, NamesACaFileThatCannotBeRead)
 {
-    EXPECT_THAT(problemsOf("[tls]\nca_file = /does/not/exist\n"), ElementsAre(HasSubstr("[tls] ca_file cannot be read (No such file")));
+    EXPECT_THAT(problemsOf("[tls]\nca_file = /does/not/exist\n"),
+                ElementsAre(HasSubstr("[tls] ca_file cannot be read (No such file")));
 }
 
 TEST(SettingsFile, BuildsTheSectionOfOneArrayOnTheGeneralOne)
 {
-    const Settings settings = readSettingsText("[tls 2001:db8::1]\nserver_name = a\n[tls]\nverify = off\nserver_name = b\n", "/f.ini");
+    const Settings settings =
+        readSettingsText("[tls 2001:db8::1]\nserver_name = a\n[tls]\nverify = off\nserver_name = b\n", "/f.ini");
     EXPECT_THAT(settings.problems, IsEmpty());
     EXPECT_EQ(settings.tlsFor("2001:db8::1").serverName, "a");
     EXPECT_FALSE(settings.tlsFor("2001:db8::1").verify);
@@ -76,7 +83,8 @@ TEST(SettingsFile, RefusesASectionOfNoArray)
 TEST(SettingsFile, MayBeMissingUnlessItIsNamed)
 {
     EXPECT_TRUE(readSettingsFile("").isUsable());
-    EXPECT_THAT(readSettingsFile("/does/not/exist.ini").problems, ElementsAre(HasSubstr("/does/not/exist.ini cannot be used: No such file")));
+    EXPECT_THAT(readSettingsFile("/does/not/exist.ini").problems,
+                ElementsAre(HasSubstr("/does/not/exist.ini cannot be used: No such file")));
     EXPECT_FALSE(readSettingsFile("/").isUsable());
 }
 

@@ -27,10 +27,18 @@ bool isPending()
 TEST(SigPipeGuard, SwallowsTheSignal)
 {
     {
-        const SigPipeGuard quiet;
+        const SigPipeGuard quiet(true);
         writeToClosedPipe();
     }
     EXPECT_FALSE(isPending());
+    sigset_t mask;
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    EXPECT_EQ(sigismember(&mask, SIGPIPE), 0);
+}
+
+TEST(SigPipeGuard, DoesNothingWhereItIsNotNeeded)
+{
+    const SigPipeGuard quiet(false);
     sigset_t mask;
     pthread_sigmask(SIG_BLOCK, nullptr, &mask);
     EXPECT_EQ(sigismember(&mask, SIGPIPE), 0);
@@ -45,7 +53,7 @@ TEST(SigPipeGuard, LeavesASignalThatWasPendingBefore)
     pthread_sigmask(SIG_BLOCK, &pipeSignal, &before);
     writeToClosedPipe();
     {
-        const SigPipeGuard quiet;
+        const SigPipeGuard quiet(true);
         writeToClosedPipe();
     }
     EXPECT_TRUE(isPending());

@@ -15,7 +15,8 @@ namespace brevan::test {
 
 namespace {
 
-/// The test process leaves SIGPIPE at its default, so that the library's own care is tested; the server's threads must not die of it.
+/// The test process leaves SIGPIPE at its default, so that the library's own care is tested; the server's threads must not
+/// die of it.
 void blockSigPipe()
 {
     sigset_t signals;
@@ -231,6 +232,11 @@ void TlsServer::serveRequests(SSL* tls, int socket, int number)
     Peer peer(tls, socket, m_isStopping);
     std::string bytes;
     Received request{number, {}, {}, {}, {}};
+    if (m_options.resetsAtFirstByte) {
+        char byte = 0;
+        SSL_peek(tls, &byte, 1);
+        peer.reset();
+    }
     while (peer.isOpen() && readRequest(tls, bytes, request)) {
         {
             const std::lock_guard<std::mutex> lock(m_mutex);

@@ -27,7 +27,9 @@ struct Received {
 /// The server's side of a connection, in the hands of a handler.
 class Peer {
 public:
-    Peer(SSL* tls, int socket, const std::atomic<bool>& isStopping) : m_tls(tls), m_socket(socket), m_isStopping(isStopping) {}
+    Peer(SSL* tls, int socket, const std::atomic<bool>& isStopping) : m_tls(tls), m_socket(socket), m_isStopping(isStopping)
+    {
+    }
 
     /// Writes bytes as they are; false when the client has gone.
     bool write(const std::string& bytes);
@@ -57,9 +59,10 @@ public:
     using Handler = std::function<void(Peer&, const Received&)>;
     struct Options {
         std::string address = "127.0.0.1";
-        unsigned short port = 0;          ///< 0: any
-        int largestTlsVersion = 0;        ///< 0: the newest
-        bool answersHandshake = true;     ///< false: accepts and says nothing
+        unsigned short port = 0;         ///< 0: any
+        int largestTlsVersion = 0;       ///< 0: the newest
+        bool answersHandshake = true;    ///< false: accepts and says nothing
+        bool resetsAtFirstByte = false;  ///< resets each connection while the client may still be writing
     };
 
     explicit TlsServer(const Identity& identity, Handler handler = answerAlways);

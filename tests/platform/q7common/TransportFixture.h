@@ -31,8 +31,8 @@ private:
     std::string m_path;
 };
 
-/// Writes transport.ini where the library looks for it, with "[tls] ca_file" set to the tests' authority and short time limits, and
-/// puts it into force. `tls` are further lines of that section, `more` further sections.
+/// Writes transport.ini where the library looks for it, with "[tls] ca_file" set to the tests' authority and short time
+/// limits, and puts it into force. `tls` are further lines of that section, `more` further sections.
 void useSettings(const std::string& tls = "", const std::string& more = "[time]\nrequest_seconds = 5\n");
 /// The file as it stands, nothing added.
 void writeSettings(const std::string& text);

@@ -1,5 +1,7 @@
 #include "TransportFixture.h"
 
+#include <pthread.h>
+
 namespace brevan::test {
 namespace {
 
@@ -35,8 +37,10 @@ TEST_F(Transport, ReadsAReplyThatEndsWithItsConnection)
 
 TEST_F(Transport, ReadsAReplyInChunks)
 {
-    EXPECT_EQ(resultOfBytes("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n19\r\n{\"error\":{\"code\":0,\"x\":\"\"\r\n"
-                            "2\r\n}}\r\n0\r\n\r\n"), REST_ANSWERED);
+    EXPECT_EQ(
+        resultOfBytes("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n19\r\n{\"error\":{\"code\":0,\"x\":\"\"\r\n"
+                      "2\r\n}}\r\n0\r\n\r\n"),
+        REST_ANSWERED);
 }
 
 TEST_F(Transport, FindsACutReplyUnusable)
@@ -99,14 +103,16 @@ TEST_F(Transport, LeavesNoOldReplyBehindAFailure)
 TEST_F(Transport, WritesOneLineForAFailure)
 {
     get("https://127.0.0.1:1");
-    EXPECT_THAT(RunLogRecorder::lines(), ElementsAre(AllOf(HasSubstr("E GET /deviceManager/rest/1/lun to https://127.0.0.1:1 failed: "),
-                                                           HasSubstr("refused"), HasSubstr("nothing was sent"))));
+    EXPECT_THAT(RunLogRecorder::lines(),
+                ElementsAre(AllOf(HasSubstr("E GET /deviceManager/rest/1/lun to https://127.0.0.1:1 failed: "),
+                                  HasSubstr("refused"), HasSubstr("nothing was sent"))));
 }
 
 TEST_F(Transport, RefusesBadPathsBeforeConnecting)
 {
     const TlsServer server(identity());
-    for (const std::string& path : {std::string("/a\nb"), std::string("/lun/../x"), std::string("lun"), std::string("/a\0b", 4)}) {
+    for (const std::string& path :
+         {std::string("/a\nb"), std::string("/lun/../x"), std::string("lun"), std::string("/a\0b", 4)}) {
         EXPECT_EQ(send(server.url(), REST_GET, path).result, REST_BAD_PATH);
     }
     EXPECT_EQ(server.connectionCount(), 0);
@@ -171,8 +177,38 @@ TEST_F(Transport, SendsBodiesWhereTheyBelong)
     for (const Received& request : server.requests()) {
         bodies += request.method + " " + request.body + "\n";
     }
-    EXPECT_EQ(bodies, "GET \nGET {\"ID\":\"1\"}\nPOST {}\nPOST {\"ID\":\"1\"}\nPUT {}\nPUT {\"ID\":\"1\"}\n"
-                      "DELETE \nDELETE {\"ID\":\"1\"}\n");
+    EXPECT_EQ(bodies,
+              "GET \nGET {\"ID\":\"1\"}\nPOST {}\nPOST {\"ID\":\"1\"}\nPUT {}\nPUT {\"ID\":\"1\"}\n"
+              "DELETE \nDELETE {\"ID\":\"1\"}\n");
+}
+
+/// Runs `body` in a thread with the smallest stack that an application may have chosen.
+void runOnSmallStack(void* (*body)(void*), void* argument)
+{
+    pthread_attr_t attributes;
+    pthread_t thread{};
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 * 1024), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, body, argument), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST_F(Transport, NeedsLittleStack)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers need more stack themselves";
+#endif
+    const std::string nested = R"({"data":{"x":)" + std::string(28, '[') + std::string(28, ']') + R"(},"error":{"code":0}})";
+    const TlsServer server(identity(), [&nested](Peer& peer, const Received&) { peer.answer(nested); });
+    std::string serverUrl = server.url();
+    runOnSmallStack(
+        [](void* url) -> void* {
+            EXPECT_EQ(send(*static_cast<const std::string*>(url), REST_POST, "/sessions").result, REST_ANSWERED);
+            return nullptr;
+        },
+        &serverUrl);
+    EXPECT_EQ(server.requestCount(), 1U);
 }
 
 TEST_F(Transport, SendsALargeBodyWithoutAskingFirst)
@@ -185,7 +221,8 @@ TEST_F(Transport, SendsALargeBodyWithoutAskingFirst)
     request.BodyAddProperty("TEXT", text);
     EXPECT_EQ(request.SendRequest("/x", REST_POST, sent.response, sent.headerLines, false), REST_ANSWERED);
     EXPECT_EQ(server.requests().at(0).body.size(), text.size() + 11);
-    EXPECT_THAT(server.requests().at(0).head, Not(HasSubstr("Expect")));
+    EXPECT_THAT(server.requests().at(0).head,
+                AllOf(HasSubstr("Content-Type: application/json\r\n"), Not(HasSubstr("Expect"))));
 }
 
 }  // namespace
