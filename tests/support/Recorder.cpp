@@ -5,7 +5,7 @@
 #include <json/value.h>
 #include <json/writer.h>
 
-#include <regex>
+#include <algorithm>
 #include <stdexcept>
 
 namespace brevan::test {
@@ -18,12 +18,20 @@ std::string quoted(const std::string& text)
     return Json::valueToQuotedString(text.c_str());
 }
 
+/// Digits where the form has 0, everything else as it stands. (std::regex does not compile under the sanitizers.)
+bool isTime(const std::string& text)
+{
+    const std::string form = "0000-00-00 00:00:00 000";
+    return text.size() == form.size() && std::equal(text.begin(), text.end(), form.begin(), [](char c, char wanted) {
+               return wanted == '0' ? c >= '0' && c <= '9' : c == wanted;
+           });
+}
+
 /// The fixed part of a record, and the form of its times.
 bool isWellFormed(const std::string& level, const std::vector<std::string>& a)
 {
-    static const std::regex time("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d \\d{3}");
     return a.size() == 11 && a[0] == "Plim-Brevan-API-linux-Cpp" && a[1] == "1" && a[2].empty() && a[4].empty() &&
-           a[5].empty() && a[6].empty() && a[10].empty() && std::regex_match(a[7], time) && std::regex_match(a[8], time) &&
+           a[5].empty() && a[6].empty() && a[10].empty() && isTime(a[7]) && isTime(a[8]) &&
            (level == "Info") == (a[9] == "0");
 }
 
