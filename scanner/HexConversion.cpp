@@ -4,6 +4,7 @@
 #include "scanner/NullArgument.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -48,7 +49,7 @@ int CDiskScannerHandlerImpl::BinaryToAscii(char* hexBuffer, int hexBufferSize, u
     if (isNull(bytes, "pucBuffer", "BinaryToAscii") || isNull(hexBuffer, "pszHexBuffer", "BinaryToAscii")) {
         return -1;
     }
-    if (hexBufferSize <= count * 2) {
+    if (hexBufferSize <= std::int64_t{count} * 2) {
         return -1;
     }
     for (int i = 0; i < count; ++i) {
