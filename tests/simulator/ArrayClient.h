@@ -1,7 +1,7 @@
 #ifndef BREVAN_TESTS_SIMULATOR_ARRAYCLIENT_H
 #define BREVAN_TESTS_SIMULATOR_ARRAYCLIENT_H
 
-#include <nlohmann/json.hpp>
+#include "Fields.h"
 
 #include "simulator/ArrayServer.h"
 
@@ -13,9 +13,9 @@ struct Reply {
     unsigned status = 0;
     int code = 0;
     std::string description;
-    nlohmann::json data;  ///< null where the reply has no "data"
+    Data data;  ///< absent where the reply has no "data"
 
-    std::string text(const std::string& key) const { return data.at(key).get<std::string>(); }
+    std::string text(const std::string& key) const { return data.at(key).text(); }
 };
 
 /// A client that is logged in and speaks to the array without a network. Paths are relative to the device.
@@ -27,7 +27,7 @@ public:
     {
         const WireReply reply = m_server.handle(
             {"POST", "/deviceManager/rest/xxxx/sessions", "", "", R"({"username":"admin","password":"secret","scope":0})"});
-        m_token = nlohmann::json::parse(reply.body).at("data").at("iBaseToken").get<std::string>();
+        m_token = Data::parse(reply.body).at("data").at("iBaseToken").text();
         const std::string& cookie = reply.headers.at(0).second;
         m_cookie = cookie.substr(0, cookie.find(';'));
     }
@@ -39,17 +39,17 @@ public:
     Reply send(const WireRequest& request)
     {
         const WireReply wire = m_server.handle(request);
-        const nlohmann::json body = nlohmann::json::parse(wire.body);
-        const nlohmann::json& error = body.at("error");
-        return {wire.status, error.at("code").get<int>(), error.at("description").get<std::string>(),
-                body.value("data", nlohmann::json())};
+        const Data body = Data::parse(wire.body);
+        const Data error = body.at("error");
+        return {wire.status, error.at("code").number(), error.at("description").text(),
+                body.contains("data") ? body.at("data") : Data()};
     }
     Reply get(const std::string& path) { return send("GET", path); }
-    Reply post(const std::string& path, const nlohmann::json& body) { return send("POST", path, body.dump()); }
-    Reply put(const std::string& path, const nlohmann::json& body) { return send("PUT", path, body.dump()); }
+    Reply post(const std::string& path, const Fields& body) { return send("POST", path, body.dump()); }
+    Reply put(const std::string& path, const Fields& body) { return send("PUT", path, body.dump()); }
     Reply remove(const std::string& path) { return send("DELETE", path); }
     /// Creates something that the array must accept; its ID.
-    std::string make(const std::string& path, const nlohmann::json& body)
+    std::string make(const std::string& path, const Fields& body)
     {
         const Reply reply = post(path, body);
         if (reply.code != 0) {

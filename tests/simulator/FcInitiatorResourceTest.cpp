@@ -19,7 +19,7 @@ TEST(FcInitiatorResource, HasNothingAboutChap)
 {
     ArrayFixture array;
     EXPECT_EQ(array.server.addFcInitiator("20000000000000ff"), "20000000000000ff");
-    const nlohmann::json expected{
+    const Fields expected{
         {"ID", "20000000000000ff"}, {"NAME", ""}, {"HEALTHSTATUS", "1"}, {"RUNNINGSTATUS", "2"}, {"ISFREE", "true"}};
     EXPECT_EQ(array.client.get("/fc_initiator/20000000000000ff").data, expected);
 }

@@ -22,7 +22,7 @@ struct HostAndGroup : ArrayFixture {
 TEST(HostGroupResource, ReadsBack)
 {
     HostAndGroup array;
-    const nlohmann::json expected{
+    const Fields expected{
         {"ID", array.group}, {"NAME", "g"}, {"TYPE", "14"}, {"DESCRIPTION", "d"}, {"ISADD2MAPPINGVIEW", "false"}};
     EXPECT_EQ(array.client.get("/hostgroup/" + array.group).data, expected);
     EXPECT_EQ(array.client.get("/hostgroup/77").code, kUnknownHostGroup);

@@ -16,18 +16,18 @@ TEST(HostResource, ReadsBackWithItsParentTypeAsANumber)
                                                        {"LOCATION", "rack"},
                                                        {"DESCRIPTION", "d"},
                                                        {"IP", "127.0.0.9"}});
-    const nlohmann::json expected{{"ID", id},
-                                  {"NAME", "h"},
-                                  {"TYPE", "21"},
-                                  {"PARENTTYPE", 0},
-                                  {"PARENTID", ""},
-                                  {"LOCATION", "rack"},
-                                  {"HEALTHSTATUS", "1"},
-                                  {"RUNNINGSTATUS", "2"},
-                                  {"DESCRIPTION", "d"},
-                                  {"OPERATIONSYSTEM", "7"},
-                                  {"ISADD2HOSTGROUP", "false"},
-                                  {"IP", "127.0.0.9"}};
+    const Fields expected{{"ID", id},
+                          {"NAME", "h"},
+                          {"TYPE", "21"},
+                          {"PARENTTYPE", 0},
+                          {"PARENTID", ""},
+                          {"LOCATION", "rack"},
+                          {"HEALTHSTATUS", "1"},
+                          {"RUNNINGSTATUS", "2"},
+                          {"DESCRIPTION", "d"},
+                          {"OPERATIONSYSTEM", "7"},
+                          {"ISADD2HOSTGROUP", "false"},
+                          {"IP", "127.0.0.9"}};
     EXPECT_EQ(array.client.get("/host/" + id).data, expected);
     EXPECT_EQ(array.client.get("/host/77").code, kUnknownHost);
 }

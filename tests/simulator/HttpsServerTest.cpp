@@ -46,7 +46,7 @@ protected:
 
 int codeOf(const HttpsReply& reply)
 {
-    return nlohmann::json::parse(reply.body).at("error").at("code").get<int>();
+    return Data::parse(reply.body).at("error").at("code").number();
 }
 
 }  // namespace
@@ -56,7 +56,7 @@ TEST_F(HttpsServerTest, ServesASessionWithALunOnOneConnection)
     const HttpsReply login = logIn(m_client);
     ASSERT_EQ(login.result, CURLE_OK);
     EXPECT_EQ(login.status, 200);
-    const std::string token = nlohmann::json::parse(login.body).at("data").at("iBaseToken").get<std::string>();
+    const std::string token = Data::parse(login.body).at("data").at("iBaseToken").text();
     const std::size_t begin = login.headers.find("Set-Cookie: ") + 12;
     const std::string cookie = login.headers.substr(begin, login.headers.find(';', begin) - begin);
     const std::vector<std::string> headers{"iBaseToken: " + token, "Cookie:  " + cookie};
@@ -66,7 +66,7 @@ TEST_F(HttpsServerTest, ServesASessionWithALunOnOneConnection)
     EXPECT_EQ(codeOf(created), 0) << created.body;
     EXPECT_EQ(created.newConnections, 0);
     const HttpsReply list = m_client.send("GET", device + "/lun?filter=NAME:l&range=[0-1]", "", headers);
-    EXPECT_EQ(nlohmann::json::parse(list.body).at("data").size(), 1u) << list.body;
+    EXPECT_EQ(Data::parse(list.body).at("data").size(), 1u) << list.body;
     EXPECT_EQ(codeOf(m_client.send("GET", device + "/lun")), kNoSession);
 }
 

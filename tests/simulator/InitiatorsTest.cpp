@@ -64,7 +64,7 @@ TEST_P(Initiators, AreUnboundByTheIdInTheBody)
     bind(m_host);
     EXPECT_EQ(m_array.client.put(GetParam().unbind, {{"ID", m_id}}).code, 0);
     EXPECT_EQ(read().text("ISFREE"), "true");
-    EXPECT_EQ(m_array.client.put(GetParam().unbind, nlohmann::json::object()).code, kMissingParameter);
+    EXPECT_EQ(m_array.client.put(GetParam().unbind, Fields()).code, kMissingParameter);
 }
 
 TEST_P(Initiators, RefuseHostsThatDoNotExistAndParentsThatAreNone)

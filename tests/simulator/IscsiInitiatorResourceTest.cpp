@@ -12,26 +12,26 @@ namespace {
 constexpr const char* kId = "iqn.2020-01.lab:host";
 
 struct ChapArray : ArrayFixture {
-    Reply create(const nlohmann::json& chap)
+    Reply create(const Fields& chap)
     {
-        nlohmann::json body{{"ID", kId}};
+        Fields body{{"ID", kId}};
         body.update(chap);
         return client.post("/iscsi_initiator", body);
     }
-    Reply modify(const nlohmann::json& change)
+    Reply modify(const Fields& change)
     {
-        nlohmann::json body{{"ID", kId}};
+        Fields body{{"ID", kId}};
         body.update(change);
         return client.put("/iscsi_initiator", body);
     }
     Reply read() { return client.get(std::string("/iscsi_initiator/") + kId); }
 };
 
-const nlohmann::json kOneWay{{"USECHAP", "true"},
-                             {"NORMALVERMODE", "1"},
-                             {"DISCOVERYVERMODE", "0"},
-                             {"CHAPNAME", "alice"},
-                             {"CHAPPASSWORD", "first-secret"}};
+const Fields kOneWay{{"USECHAP", "true"},
+                     {"NORMALVERMODE", "1"},
+                     {"DISCOVERYVERMODE", "0"},
+                     {"CHAPNAME", "alice"},
+                     {"CHAPPASSWORD", "first-secret"}};
 
 }  // namespace
 
@@ -41,16 +41,15 @@ TEST(IscsiInitiatorResource, TakesIscsiNamesOnly)
     for (const char* bad : {"host", "iqn.a/../../etc", "iqn.a b", "iqn."}) {
         EXPECT_EQ(array.client.post("/iscsi_initiator", {{"ID", bad}}).code, kBadParameter) << bad;
     }
-    EXPECT_EQ(array.client.post("/iscsi_initiator", nlohmann::json::object()).code, kMissingParameter);
+    EXPECT_EQ(array.client.post("/iscsi_initiator", Fields()).code, kMissingParameter);
 }
 
 TEST(IscsiInitiatorResource, ReadsBackWithoutChap)
 {
     ChapArray array;
     EXPECT_EQ(array.create({{"USECHAP", "false"}}).code, 0);
-    const nlohmann::json expected{
-        {"ID", kId},        {"NAME", ""},         {"HEALTHSTATUS", "1"},  {"RUNNINGSTATUS", "2"},
-        {"ISFREE", "true"}, {"USECHAP", "false"}, {"NORMALVERMODE", "0"}, {"DISCOVERYVERMODE", "0"}};
+    const Fields expected{{"ID", kId},        {"NAME", ""},         {"HEALTHSTATUS", "1"},  {"RUNNINGSTATUS", "2"},
+                          {"ISFREE", "true"}, {"USECHAP", "false"}, {"NORMALVERMODE", "0"}, {"DISCOVERYVERMODE", "0"}};
     EXPECT_EQ(array.read().data, expected);
 }
 
@@ -77,13 +76,13 @@ TEST(IscsiInitiatorResource, RefusesChapWithoutNameOrSecret)
 {
     ChapArray array;
     for (const char* key : {"CHAPNAME", "CHAPPASSWORD"}) {
-        nlohmann::json chap = kOneWay;
+        Fields chap = kOneWay;
         chap[key] = "";
         const Reply reply = array.create(chap);
         EXPECT_EQ(reply.code, kBadChap) << key;
         EXPECT_EQ(reply.description, "The CHAP that verifies the initiator needs CHAPNAME and CHAPPASSWORD.");
     }
-    nlohmann::json mutual = kOneWay;
+    Fields mutual = kOneWay;
     mutual["NORMALVERMODE"] = "2";
     EXPECT_EQ(array.create(mutual).code, kBadChap);
     mutual.update({{"CHAPNAMEINITATORVERTARGET", "bob"}, {"CHAPPASSWORDINITATORVERTARGET", "other-secret"}});
@@ -94,7 +93,7 @@ TEST(IscsiInitiatorResource, RefusesChapWithoutNameOrSecret)
 TEST(IscsiInitiatorResource, RefusesModesThatItDoesNotKnow)
 {
     ChapArray array;
-    nlohmann::json chap = kOneWay;
+    Fields chap = kOneWay;
     chap["NORMALVERMODE"] = "9";
     EXPECT_EQ(array.create(chap).code, kBadChap);
     chap["NORMALVERMODE"] = "0";
@@ -105,7 +104,7 @@ TEST(IscsiInitiatorResource, ChangesASecretOnlyForWhoKnowsTheOldOne)
 {
     ChapArray array;
     array.create(kOneWay);
-    nlohmann::json change = kOneWay;
+    Fields change = kOneWay;
     change["CHAPPASSWORD"] = "second-secret";
     EXPECT_EQ(array.modify(change).code, kWrongOldSecret);
     change["CHAPOLDPASSWORD"] = "wrong-secret";

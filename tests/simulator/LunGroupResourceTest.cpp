@@ -26,7 +26,7 @@ struct GroupWithLun : ArrayFixture {
 TEST(LunGroupResource, ReadsBack)
 {
     GroupWithLun array;
-    const nlohmann::json expected{
+    const Fields expected{
         {"ID", array.group}, {"NAME", "g"},     {"TYPE", "256"}, {"DESCRIPTION", "d"}, {"ISADD2MAPPINGVIEW", "false"},
         {"APPTYPE", "3"},    {"GROUPTYPE", "0"}};
     EXPECT_EQ(array.client.get("/lungroup/" + array.group).data, expected);
@@ -88,7 +88,7 @@ TEST(LunGroupResource, IsFoundThroughItsMembersAndItsView)
     array.client.associate("/lungroup/associate", array.group, 11, array.lun);
     array.client.associate("/lungroup/associate", array.group, 27, array.snapshot);
     const std::string view = array.client.make("/mappingview", {{"NAME", "v"}});
-    EXPECT_EQ(array.client.get("/lungroup/associate?ASSOCIATEOBJTYPE=245&ASSOCIATEOBJID=" + view).data, nullptr);
+    EXPECT_TRUE(array.client.get("/lungroup/associate?ASSOCIATEOBJTYPE=245&ASSOCIATEOBJID=" + view).data.isAbsent());
     array.client.putAssociation("/mappingview/create_associate", view, 256, array.group);
     for (const std::string& query :
          {"TYPE=256&ASSOCIATEOBJTYPE=11&ASSOCIATEOBJID=" + array.lun,

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t kSectorsPerGib = 2097152;
 
-nlohmann::json lunBody(const std::string& name, std::uint64_t sectors)
+Fields lunBody(const std::string& name, std::uint64_t sectors)
 {
     return {{"TYPE", 11}, {"NAME", name}, {"PARENTTYPE", 216}, {"PARENTID", "0"}, {"CAPACITY", sectors}};
 }
@@ -28,7 +28,7 @@ ServerOptions smallPool()
 TEST(LunResource, ReadsBackAThinLunAsTextsOnly)
 {
     ArrayFixture array;
-    nlohmann::json body = lunBody("thin", 2 * kSectorsPerGib);
+    Fields body = lunBody("thin", 2 * kSectorsPerGib);
     body.update({{"ALLOCTYPE", 1},
                  {"INITIALALLOCCAPACITY", kSectorsPerGib},
                  {"THINCAPACITYUSAGE", 70},
@@ -38,28 +38,28 @@ TEST(LunResource, ReadsBackAThinLunAsTextsOnly)
                  {"WRITEPOLICY", 1},
                  {"PREFETCHPOLICY", 3}});
     const std::string id = array.client.make("/lun", body);
-    const nlohmann::json expected{{"ID", id},
-                                  {"NAME", "thin"},
-                                  {"TYPE", "11"},
-                                  {"PARENTTYPE", "216"},
-                                  {"PARENTID", "0"},
-                                  {"PARENTNAME", "pool0"},
-                                  {"HEALTHSTATUS", "1"},
-                                  {"RUNNINGSTATUS", "2"},
-                                  {"DESCRIPTION", "a \"b\""},
-                                  {"ALLOCTYPE", "1"},
-                                  {"SECTORSIZE", "512"},
-                                  {"CAPACITY", "4194304"},
-                                  {"ALLOCCAPACITY", "2097152"},
-                                  {"THINCAPACITYUSAGE", "70"},
-                                  {"EXPOSEDTOINITIATOR", "false"},
-                                  {"WWN", array.server.volumeWwn(id)},
-                                  {"OWNINGCONTROLLER", "B"},
-                                  {"WORKINGCONTROLLER", "B"},
-                                  {"ISADD2LUNGROUP", "false"},
-                                  {"MIRRORPOLICY", "1"},
-                                  {"WRITEPOLICY", "1"},
-                                  {"PREFETCHPOLICY", "3"}};
+    const Fields expected{{"ID", id},
+                          {"NAME", "thin"},
+                          {"TYPE", "11"},
+                          {"PARENTTYPE", "216"},
+                          {"PARENTID", "0"},
+                          {"PARENTNAME", "pool0"},
+                          {"HEALTHSTATUS", "1"},
+                          {"RUNNINGSTATUS", "2"},
+                          {"DESCRIPTION", "a \"b\""},
+                          {"ALLOCTYPE", "1"},
+                          {"SECTORSIZE", "512"},
+                          {"CAPACITY", "4194304"},
+                          {"ALLOCCAPACITY", "2097152"},
+                          {"THINCAPACITYUSAGE", "70"},
+                          {"EXPOSEDTOINITIATOR", "false"},
+                          {"WWN", array.server.volumeWwn(id)},
+                          {"OWNINGCONTROLLER", "B"},
+                          {"WORKINGCONTROLLER", "B"},
+                          {"ISADD2LUNGROUP", "false"},
+                          {"MIRRORPOLICY", "1"},
+                          {"WRITEPOLICY", "1"},
+                          {"PREFETCHPOLICY", "3"}};
     EXPECT_EQ(array.client.get("/lun/" + id).data, expected);
 }
 
@@ -112,7 +112,7 @@ TEST(LunResource, LetsThinLunsPromiseMoreThanThePoolHas)
 {
     ArrayFixture array(smallPool());
     for (const char* name : {"a", "b", "c"}) {
-        nlohmann::json body = lunBody(name, 4 * kSectorsPerGib);
+        Fields body = lunBody(name, 4 * kSectorsPerGib);
         body.update({{"ALLOCTYPE", 1}, {"INITIALALLOCCAPACITY", kSectorsPerGib}});
         EXPECT_EQ(array.client.post("/lun", body).code, 0) << name;
     }
@@ -122,7 +122,7 @@ TEST(LunResource, LetsThinLunsPromiseMoreThanThePoolHas)
 TEST(LunResource, RefusesAnInitialAllocationBeyondTheCapacity)
 {
     ArrayFixture array;
-    nlohmann::json body = lunBody("l", 1000);
+    Fields body = lunBody("l", 1000);
     // What a client sends that has left the allocation at "not set": all bits set, shifted from bytes to sectors.
     for (const std::uint64_t allocation : {std::uint64_t{1001}, 18446744073709551615u >> 9}) {
         body.update({{"ALLOCTYPE", 1}, {"INITIALALLOCCAPACITY", allocation}});
@@ -135,7 +135,7 @@ TEST(LunResource, RefusesAnInitialAllocationBeyondTheCapacity)
 TEST(LunResource, RefusesAnotherParentThanAPool)
 {
     ArrayFixture array;
-    nlohmann::json body = lunBody("l", 8);
+    Fields body = lunBody("l", 8);
     body["PARENTID"] = "77";
     EXPECT_EQ(array.client.post("/lun", body).code, kUnknownPool);
     body["PARENTID"] = "0";
@@ -149,7 +149,7 @@ TEST(LunResource, RefusesAnotherParentThanAPool)
 TEST(LunResource, LeavesNothingBehindAfterARefusal)
 {
     ArrayFixture array(smallPool());
-    nlohmann::json body = lunBody("l", kSectorsPerGib);
+    Fields body = lunBody("l", kSectorsPerGib);
     body["DESCRIPTION"] = std::string(256, 'x');
     EXPECT_EQ(array.client.post("/lun", body).code, kBadParameter);
     EXPECT_EQ(array.client.get("/lun/count").text("COUNT"), "0");
@@ -170,7 +170,7 @@ TEST(LunResource, IsExposedOnlyWhileAnInitiatorCanReachIt)
     EXPECT_EQ(array.client.get("/lun/" + chain.lun).text("EXPOSEDTOINITIATOR"), "false");
     EXPECT_EQ(array.client.get(byHost).data.size(), 1u);
     array.client.putAssociation("/mappingview/remove_associate", chain.view, 256, chain.lunGroup);
-    EXPECT_TRUE(array.client.get(byHost).data.is_null());
+    EXPECT_TRUE(array.client.get(byHost).data.isAbsent());
 }
 
 TEST(LunResource, CanBeRemovedOnceNothingHoldsIt)

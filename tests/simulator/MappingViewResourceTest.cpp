@@ -30,7 +30,7 @@ struct ViewAndGroups : ArrayFixture {
 TEST(MappingViewResource, ReadsBack)
 {
     ViewAndGroups array;
-    const nlohmann::json expected{
+    const Fields expected{
         {"ID", array.view}, {"NAME", "v"}, {"TYPE", "245"}, {"DESCRIPTION", "d"}, {"ENABLEINBANDCOMMAND", "true"}};
     EXPECT_EQ(array.client.get("/mappingview/" + array.view).data, expected);
     EXPECT_EQ(array.client.get("/mappingview/77").code, kUnknownMappingView);
@@ -57,8 +57,8 @@ TEST(MappingViewResource, LetsAGroupBeInManyViews)
     const std::string query = "TYPE=245&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" + array.lunGroup;
     EXPECT_EQ(array.client.get("/mappingview/associate?" + query).data.size(), 2u);
     EXPECT_EQ(array.client.get("/mappingview/associate?filter=ID:" + second + " and NAME:v2&" + query).data.size(), 1u);
-    EXPECT_EQ(array.client.get("/mappingview/associate?TYPE=245&ASSOCIATEOBJTYPE=14&ASSOCIATEOBJID=" + array.hostGroup).data,
-              nullptr);
+    EXPECT_TRUE(array.client.get("/mappingview/associate?TYPE=245&ASSOCIATEOBJTYPE=14&ASSOCIATEOBJID=" + array.hostGroup)
+                    .data.isAbsent());
 }
 
 TEST(MappingViewResource, LosesOnlyWhatItHas)

@@ -12,7 +12,7 @@ namespace {
 struct Creation {
     const char* path;
     const char* readPath;
-    nlohmann::json body;
+    Fields body;
     int type;
     bool settles;
 };
@@ -23,13 +23,13 @@ std::vector<Creation> creations()
     return {{"/lun", "/lun/", {{"PARENTID", "0"}, {"CAPACITY", 8}}, 11, true},
             {"/lungroup/", "/lungroup/", {{"APPTYPE", 0}}, 256, true},
             {"/host", "/host/", {{"OPERATIONSYSTEM", 0}}, 21, true},
-            {"/hostgroup", "/hostgroup/", nlohmann::json::object(), 14, true},
+            {"/hostgroup", "/hostgroup/", Fields(), 14, true},
             {"/mappingview", "/mappingview/", {{"ENABLEINBANDCOMMAND", false}}, 245, true}};
 }
 
-nlohmann::json named(const Creation& creation, const std::string& name)
+Fields named(const Creation& creation, const std::string& name)
 {
-    nlohmann::json body = creation.body;
+    Fields body = creation.body;
     body["TYPE"] = creation.type;
     body["NAME"] = name;
     return body;
@@ -59,7 +59,7 @@ TEST(Objects, RefuseNamesThatBreakTheRules)
         EXPECT_EQ(array.client.post("/hostgroup", {{"NAME", name}}).code, kBadName) << name;
     }
     EXPECT_EQ(array.client.post("/hostgroup", {{"NAME", ""}}).code, kMissingParameter);
-    EXPECT_EQ(array.client.post("/hostgroup", nlohmann::json::object()).code, kMissingParameter);
+    EXPECT_EQ(array.client.post("/hostgroup", Fields()).code, kMissingParameter);
     EXPECT_EQ(array.client.post("/hostgroup", {{"NAME", 7}}).code, kBadParameter);
 }
 
@@ -67,7 +67,7 @@ TEST(Objects, RefuseATypeThatIsNotTheirOwn)
 {
     ArrayFixture array;
     for (const Creation& creation : creations()) {
-        nlohmann::json body = named(creation, "x");
+        Fields body = named(creation, "x");
         body["TYPE"] = 12;
         EXPECT_EQ(array.client.post(creation.path, body).code, kBadParameter) << creation.path;
     }

@@ -37,16 +37,16 @@ struct PipelineFixture {
         request.token = session.token;
         request.cookie = session.cookie;
     }
-    nlohmann::json send(const std::string& method, const std::string& path, const std::string& body = "")
+    Data send(const std::string& method, const std::string& path, const std::string& body = "")
     {
         request.method = method;
         request.target = "/deviceManager/rest/210000000001" + path;
         request.body = body;
-        return nlohmann::json::parse(pipeline.handle(request).body);
+        return Data::parse(pipeline.handle(request).body);
     }
     int code(const std::string& method, const std::string& path, const std::string& body = "")
     {
-        return send(method, path, body).at("error").at("code").get<int>();
+        return send(method, path, body).at("error").at("code").number();
     }
 
     Array array{testOptions()};
@@ -60,9 +60,10 @@ struct PipelineFixture {
 TEST(RequestPipeline, AnswersAnErrorWithAnEmptyRecordACodeAndAText)
 {
     PipelineFixture fixture;
-    const nlohmann::json expected{{"data", nlohmann::json::object()},
-                                  {"error", {{"code", kUnknownLun}, {"description", "The LUN '77' does not exist."}}}};
-    EXPECT_EQ(fixture.send("GET", "/lun/77"), expected);
+    const Data reply = fixture.send("GET", "/lun/77");
+    EXPECT_EQ(reply.at("data"), Fields());
+    EXPECT_EQ(reply.at("error"),
+              (Fields{{"code", static_cast<int>(kUnknownLun)}, {"description", "The LUN '77' does not exist."}}));
 }
 
 TEST(RequestPipeline, AnswersUnknownPathsWith404AndAnArrayError)
@@ -104,7 +105,7 @@ TEST(RequestPipeline, UndoesAChangeThatCannotBeExposed)
 {
     PipelineFixture fixture;
     fixture.driver->m_failures = 1;
-    const nlohmann::json reply = fixture.send("POST", "/iscsi_initiator", R"({"ID":"iqn.lab:a"})");
+    const Data reply = fixture.send("POST", "/iscsi_initiator", R"({"ID":"iqn.lab:a"})");
     EXPECT_EQ(reply.at("error").at("code"), kExposureFailed);
     EXPECT_EQ(reply.at("error").at("description"), "The volumes could not be exposed: no such device");
     EXPECT_EQ(fixture.code("GET", "/iscsi_initiator/iqn.lab:a"), kUnknownIscsiInitiator);

@@ -21,9 +21,9 @@ TEST(SessionResource, AnswersALoginWithDeviceTokenAndACookieWithAttributes)
     ArrayServer server(testOptions());
     const WireReply reply = server.handle(
         {"POST", "/deviceManager/rest/xxxx/sessions", "", "", R"({"username":"admin","password":"secret","scope":0})"});
-    const nlohmann::json data = nlohmann::json::parse(reply.body).at("data");
+    const Data data = Data::parse(reply.body).at("data");
     EXPECT_EQ(data.at("deviceid"), "210000000001");
-    EXPECT_EQ(data.at("iBaseToken").get<std::string>().size(), 64u);
+    EXPECT_EQ(data.at("iBaseToken").text().size(), 64u);
     ASSERT_EQ(reply.headers.size(), 1u);
     EXPECT_EQ(reply.headers[0].first, "Set-Cookie");
     EXPECT_EQ(reply.headers[0].second.find("session="), 0u);
@@ -38,7 +38,7 @@ TEST(SessionResource, RefusesAWrongUserOrPasswordWithTheSameText)
     EXPECT_EQ(password.code, kLoginRefused);
     EXPECT_EQ(user.code, kLoginRefused);
     EXPECT_EQ(user.description, password.description);
-    EXPECT_EQ(password.data, nlohmann::json::object());
+    EXPECT_EQ(password.data, Fields());
 }
 
 TEST(SessionResource, AsksForEveryPartOfALogin)
