@@ -113,7 +113,7 @@ TEST_F(ConnectionTo, AServerThatGoesWhileWeWriteRaisesNoSignal)
     RestRequest request;
     Sent sent;
     request.SetServerUrl(server.url());
-    request.BodyAddProperty("TEXT", std::string(16 * 1024 * 1024, 'x'));
+    request.BodyAddProperty("TEXT", std::string(8 * 1024 * 1024, 'x'));
     EXPECT_EQ(request.SendRequest("/x", REST_POST, sent.response, sent.headerLines, false), REST_CONNECTION_LOST);
     EXPECT_EQ(server.connectionCount(), 1);
 }

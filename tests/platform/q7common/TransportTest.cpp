@@ -216,7 +216,7 @@ TEST_F(Transport, SendsALargeBodyWithoutAskingFirst)
     const TlsServer server(identity());
     RestRequest request;
     Sent sent;
-    const std::string text(3 * 1024 * 1024, 'x');
+    const std::string text(2 * 1024 * 1024, 'x');
     request.SetServerUrl(server.url());
     request.BodyAddProperty("TEXT", text);
     EXPECT_EQ(request.SendRequest("/x", REST_POST, sent.response, sent.headerLines, false), REST_ANSWERED);
