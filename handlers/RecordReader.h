@@ -143,8 +143,8 @@ auto readEach(const RestResponse& list, ReadOne readOne)
 template <class ReadOne>
 auto readFirstNamed(const RestResponse& list, ReadOne readOne)
 {
-    const bool named = list.count() != 0 && hasId(list[0]);
-    return named ? readOne(replyText(list[0], "ID")) : decltype(readOne(std::string()))();
+    const Json::Value first = list[0];
+    return hasId(first) ? readOne(replyText(first, "ID")) : decltype(readOne(std::string()))();
 }
 
 }  // namespace brevan
