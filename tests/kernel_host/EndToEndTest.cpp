@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -260,28 +261,40 @@ TEST_F(EndToEnd, KeepsTheHostOfAnInitiatorThatIsBound)
     EXPECT_NE(client.scan(second.ID), "") << lastFailure().text;
 }
 
-TEST_F(EndToEnd, FailsTheSecondAttachOfASecond)
+/// An attach that begins with the next second, and what it tells of itself.
+std::future<brevan::Failure> attachInNewSecond(const ArrayServer& array, const std::string& lunId)
 {
-    for (int attempt = 0; attempt < 10; ++attempt) {
+    return std::async(std::launch::async, [&array, lunId] {
+        Client own;
+        EXPECT_EQ(own.login(array), 1) << lastFailure().text;
+        waitForNewSecond();
+        EXPECT_EQ(own.attach(lunId), 0);
+        return lastFailure();
+    });
+}
+
+TEST_F(EndToEnd, FailsOneOfTwoAttachesInOneSecond)
+{
+    // On a slow machine one of the two may come to its names a second later: then both are right to succeed.
+    for (int attempt = 0; attempt < 20; ++attempt) {
         const LunMO first = client.createLun();
         const LunMO second = client.createLun();
-        waitForNewSecond();
-        const std::time_t begun = std::time(nullptr);
-        ASSERT_EQ(client.attach(first.ID), 0);
-        const bool firstFailed = !lastFailure().empty();
-        ASSERT_EQ(client.attach(second.ID), 0);
-        const brevan::Failure why = lastFailure();
-        ASSERT_FALSE(firstFailed);
-        if (std::time(nullptr) != begun) {
-            continue;  // a slow moment of this machine: the two were not in one second
+        auto one = attachInNewSecond(*array, first.ID);
+        auto other = attachInNewSecond(*array, second.ID);
+        const brevan::Failure ofFirst = one.get();
+        const brevan::Failure ofSecond = other.get();
+        if (ofFirst.empty() && ofSecond.empty()) {
+            continue;
         }
-        EXPECT_EQ(why.operation, "createLunGroup") << why.text;
+        EXPECT_NE(ofFirst.empty(), ofSecond.empty()) << ofFirst.text << " / " << ofSecond.text;
+        const brevan::Failure& why = ofFirst.empty() ? ofSecond : ofFirst;
+        EXPECT_TRUE(why.operation == "createLunGroup" || why.operation == "createHost") << why.text;
         waitForNewSecond();
-        EXPECT_EQ(client.attach(second.ID), 0);
+        EXPECT_EQ(client.attach(ofFirst.empty() ? second.ID : first.ID), 0);
         EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
         return;
     }
-    FAIL() << "two attaches never fitted into one second";
+    FAIL() << "two attaches never came to the same name";
 }
 
 TEST_F(EndToEnd, ReturnsNoPathForADiskThatNeverShowsUp)
