@@ -134,6 +134,7 @@ int CLunGroupHandlerImpl::changeMembership(const MembershipChange& change, const
             if (!change.retries(result, triesLeft)) {
                 break;
             }
+            before.forgive();  // what counts is how the last try ends
             COMMLOG(OS_LOG_INFO, "%s%u", change.retryLine, triesLeft);
             theClock().sleepMicroseconds(m_retry.pauseMicroseconds());
             --triesLeft;

@@ -67,6 +67,7 @@ auto readBack(const ReadBack& policy, RetrySettings& settings, const CDeviceMana
                 throw;
             }
         }
+        before.forgive();  // what counts is how the last read ends
         COMMLOG(OS_LOG_INFO, "%s", policy.retryLine);
         theClock().sleepMicroseconds(settings.pauseMicroseconds());
     }
