@@ -102,6 +102,7 @@ Options parse(int argc, char** argv)
                                    {"help", no_argument, nullptr, kHelpFlag},
                                    {nullptr, 0, nullptr, 0}};
     Options options;
+    opterr = 0;  // one line of our own is enough
     for (int flag = 0; (flag = getopt_long(argc, argv, "", known, nullptr)) != -1;) {
         switch (flag) {
             case kAddress:
@@ -135,7 +136,7 @@ Options parse(int argc, char** argv)
                 std::cout << kHelp;
                 std::exit(kDone);
             default:
-                throw Trouble{kUsage, "try --help"};
+                throw Trouble{kUsage, std::string(argv[optind - 1]) + " is no option, or lacks its value; try --help"};
         }
     }
     if (optind != argc || options.address.empty() || options.initiator.empty()) {
