@@ -339,7 +339,7 @@ void attach(Array& array, const Options& options, const LunMO& lun, Steps& steps
 std::string findDisk(Array& array, const LunMO& lun)
 {
     std::string id = lun.ID;
-    const std::string path = array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(id);
+    std::string path = array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(id);
     if (path.empty()) {
         throw failure(kNoDisk, "this host has no disk of LUN " + lun.ID);
     }

@@ -62,7 +62,7 @@ void rescanDevice(const std::string& path, const std::string& what)
 std::string firstMatch(const std::vector<std::string>& lines, const std::string& wwn)
 {
     for (const std::string& line : lines) {
-        const std::string path = candidatePath(line);
+        std::string path = candidatePath(line);
         COMMLOG(OS_LOG_INFO, "disk info [%s]", path.c_str());
         const auto identifier = lineIdentifier(line);
         if (!identifier) {
