@@ -152,6 +152,18 @@ TEST_P(AttachFlow, HidesAnUnknownInitiatorBehindItsResult)
     EXPECT_EQ(lastFailure().text, text);
 }
 
+TEST_P(AttachFlow, HidesThatTheInitiatorsHostIsGone)
+{
+    Call gone = readHost();
+    gone[0].data = "{}";
+    const Lines log = script({readVolume(kind), readInitiator("21"), gone});
+    EXPECT_EQ(attach(), 0);
+    const std::string byHost = "get" + kind.capital() + "ByHost";
+    const Lines refused = failed(byHost, "hostID is empty! " + byHost, 1);
+    EXPECT_EQ(newLog(), closedAfterFailure(operation, joined({log, refused})));
+    EXPECT_EQ(lastFailure().text, "hostID is empty! " + byHost);
+}
+
 TEST_P(AttachFlow, GivesOneForAVolumeThatTheHostSeesAlready)
 {
     const Lines log = script(upToHost() + Flow{volumesOnHost(kind, {"7"})});
@@ -260,16 +272,22 @@ TEST_P(AttachLun, GoesOnWithAnEmptyGroupWhereTheLunDoesNotGetIntoIt)
 
 TEST_P(AttachSnapshot, EndsWithoutAWordWhereTheSnapshotDoesNotGetIntoItsGroup)
 {
-    const Lines first = script(upToHost() + Flow{volumesOnHost(kind, {}), newHostGroup(), addHost(), newLunGroup()});
-    const Lines membership =
-        membershipFailing(failures().back(), "add snapshot (7) to lun group(30) failed ", "leave addObjToLunGroup failed.");
-    EXPECT_EQ(attach(), -1);
-    EXPECT_EQ(newLog(), joined({{"info: enter attachSnapshotToHost successfully!"},
-                                first,
-                                membership,
-                                {"error: leave attachSnapshotToHost failed!"}}));
-    EXPECT_EQ(lastFailure().operation, "addObjToLunGroup");
-    EXPECT_EQ(lastFailure().code, FAILURE_TIMED_OUT);
+    const char* const warnings[] = {"add obj(7) to lungroup(30) failed., errCode: 50331651",
+                                    "add snapshot (7) to lun group(30) failed "};
+    for (std::size_t i = 0; i < failures().size(); ++i) {
+        const Lines first = script(upToHost() + Flow{volumesOnHost(kind, {}), newHostGroup(), addHost(), newLunGroup()});
+        const Failing failing = failures()[i];
+        const Lines membership = membershipFailing(failing, warnings[i], "leave addObjToLunGroup failed.");
+        EXPECT_EQ(attach(), -1);
+        EXPECT_EQ(newLog(), joined({{"info: enter attachSnapshotToHost successfully!"},
+                                    first,
+                                    membership,
+                                    {"error: leave attachSnapshotToHost failed!"}}));
+        EXPECT_EQ(lastFailure().operation, "addObjToLunGroup");
+        EXPECT_EQ(lastFailure().code, failing.code);
+        recorder.verify();
+        fakeClock.set({1614834367, 0});  // the pause between the tries must not change the next names
+    }
 }
 
 }  // namespace

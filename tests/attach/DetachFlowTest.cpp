@@ -24,13 +24,14 @@ protected:
         return upToHost() + search + emptied("30", "50");
     }
 
-    /// Two groups hold the volume, the first alone and in two views, the second with others.
+    /// Three groups hold the volume, the first and the last with others, the second alone and in two views.
     Flow everywhere() const
     {
-        const Flow first = {takeOut(kind, "30"), countIn("30", 0, 0), viewsOfLunGroup("30", {"50", "51"}),
-                            unjoin("30", "50"),  unjoin("30", "51"),  test::deleteLunGroup("30")};
-        const Flow second = {takeOut(kind, "31"), countIn("31", 3, 2)};
-        return Flow{readVolume(kind), lunGroupsOf(kind, {"30", "31"})} + first + second;
+        const Flow first = {takeOut(kind, "31"), countIn("31", 3, 2)};
+        const Flow second = {takeOut(kind, "30"), countIn("30", 0, 0), viewsOfLunGroup("30", {"50", "51"}),
+                             unjoin("30", "50"),  unjoin("30", "51"),  test::deleteLunGroup("30")};
+        const Flow third = {takeOut(kind, "32"), countIn("32", 0, 1)};
+        return Flow{readVolume(kind), lunGroupsOf(kind, {"31", "30", "32"})} + first + second + third;
     }
 };
 

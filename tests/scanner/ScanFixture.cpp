@@ -1,7 +1,10 @@
 #include "scanner/ScanFixture.h"
 
+#include "scanner/ScanState.h"
+
 #include <dirent.h>
 
+#include <future>
 #include <memory>
 #include <utility>
 
@@ -40,6 +43,16 @@ CommandResult doing(std::function<void()> action, CommandResult result)
 {
     result.before = std::move(action);
     return result;
+}
+
+bool mutexIsFree()
+{
+    return std::async(std::launch::async,
+                      [] {
+                          const std::unique_lock<std::mutex> lock(g_scanLunMutex, std::try_to_lock);
+                          return lock.owns_lock();
+                      })
+        .get();
 }
 
 std::size_t threadCount()

@@ -33,6 +33,9 @@ CommandResult printing(std::vector<std::string> text);
 /// The command does something while it runs.
 CommandResult doing(std::function<void()> action, CommandResult result = {});
 
+/// Whether a thread that waits for the end of a rescan could take the mutex now.
+bool mutexIsFree();
+
 /// How many threads this process has.
 std::size_t threadCount();
 

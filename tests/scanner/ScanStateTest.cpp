@@ -2,6 +2,11 @@
 
 #include "scanner/ScanFixture.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
 #include <future>
 
 namespace brevan::test {
@@ -9,21 +14,30 @@ namespace {
 
 using ScanState = SdkTest;
 
-/// Whether another thread could take the mutex now.
-bool mutexIsFree()
-{
-    return std::async(std::launch::async,
-                      [] {
-                          const std::unique_lock<std::mutex> lock(g_scanLunMutex, std::try_to_lock);
-                          return lock.owns_lock();
-                      })
-        .get();
-}
+/// A thread that waits for the end of the rescan.
+class Waiter {
+public:
+    void start()
+    {
+        m_done = std::async(std::launch::async, [this] {
+            m_thread = gettid();
+            waitForRescanEnd();
+        });
+    }
 
-bool isReady(const std::future<void>& future)
-{
-    return future.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
-}
+    bool sleeps() const
+    {
+        std::ifstream stat("/proc/self/task/" + std::to_string(m_thread.load()) + "/stat");
+        std::string number, name, state;
+        return stat >> number >> name >> state && state == "S";
+    }
+
+    bool isDone() const { return m_done.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
+
+private:
+    std::atomic<pid_t> m_thread{0};
+    std::future<void> m_done;
+};
 
 TEST_F(ScanState, BeginsAtZeroAndKeepsWhatWasSet)
 {
@@ -59,30 +73,29 @@ TEST_F(ScanState, AnnouncesTheEndAndHoldsTheMutexUntilTheScanIsOver)
 
 TEST_F(ScanState, WakesAllWaitersWhenTheScanIsOver)
 {
-    std::future<void> waiters[4];
+    std::vector<Waiter> waiters(4);
     {
         RescanAnnouncement announcement;
-        for (auto& waiter : waiters) {
-            waiter = std::async(std::launch::async, waitForRescanEnd);
+        for (Waiter& waiter : waiters) {
+            waiter.start();
         }
+        EXPECT_TRUE(eventually([&] { return std::all_of(waiters.begin(), waiters.end(), std::mem_fn(&Waiter::sleeps)); }));
         announcement.end();
-        for (const auto& waiter : waiters) {
-            EXPECT_FALSE(isReady(waiter));
-        }
+        EXPECT_TRUE(std::none_of(waiters.begin(), waiters.end(), std::mem_fn(&Waiter::isDone)));
     }
-    for (auto& waiter : waiters) {
-        EXPECT_EQ(waiter.wait_for(std::chrono::seconds(10)), std::future_status::ready);
-    }
+    EXPECT_TRUE(eventually([&] { return std::all_of(waiters.begin(), waiters.end(), std::mem_fn(&Waiter::isDone)); }));
+    g_scanlunEndCond.notify_all();  // so that a waiter that was forgotten does not hold up the other tests
 }
 
 TEST_F(ScanState, WakesWaitersAlsoWhereTheScanFailsBeforeTheEnd)
 {
-    std::future<void> waiter;
+    Waiter waiter;
     {
         const RescanAnnouncement announcement;
-        waiter = std::async(std::launch::async, waitForRescanEnd);
+        waiter.start();
+        EXPECT_TRUE(eventually([&] { return waiter.sleeps(); }));
     }
-    EXPECT_EQ(waiter.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    EXPECT_TRUE(eventually([&] { return waiter.isDone(); }));
     EXPECT_EQ(GetScanState(), 2);
     EXPECT_TRUE(mutexIsFree());
 }

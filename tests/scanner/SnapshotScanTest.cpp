@@ -1,5 +1,5 @@
-#include "scanner/ScanFixture.h"
 #include "scanner/ScanState.h"
+#include "scanner/SnapshotScanFixture.h"
 #include "support/ManagerWithout.h"
 
 #include <future>
@@ -7,32 +7,6 @@
 
 namespace brevan::test {
 namespace {
-
-const Lines kNoShortcut = {"info: enter ScanSnapshotPreare successfully!", "error: Tendrix is not installed."};
-const Lines kNeedsScan = {"info: enter ScanSnapshotPreare successfully!", "info: need scan snapshot!"};
-const Lines kWaited = {"info: enter ScanSnapshotPreare successfully!", "info: wait the scaning ...",
-                       "info: running the upRescan end"};
-const Lines kShortcutFailed = {"info: The target lun is not found.", "info: exit ScanSnapshotPreare successfully!"};
-
-class SnapshotScan : public ScanTest {
-protected:
-    std::string scan() { return handler.scanSnapshotAfterAttach(id); }
-
-    void expectSnapshot() { expectRecord("/SNAPSHOT/", id, wwn); }
-
-    bool hasLogged(const std::string& line) const { return testing::Value(recorder.log(), testing::Contains(line)); }
-
-    /// A second scan, of snapshot 8 with the other WWN, which starts when the first is in the middle and returns once it
-    /// waits.
-    void startWaitingScan()
-    {
-        other = std::async(std::launch::async, [this] { return handler.scanSnapshotAfterAttach(otherId); });
-        EXPECT_TRUE(eventually([this] { return hasLogged("info: wait the scaning ..."); }));
-    }
-
-    std::string otherId = "8";
-    std::future<std::string> other;
-};
 
 /// A process that has seen multipath software and has rescanned.
 class SnapshotShortcut : public SnapshotScan {
@@ -49,12 +23,6 @@ protected:
         return eventually([this] { return threadCount() == threads; });
     }
 };
-
-Lines scanned(const Lines& shortcut, const Lines& rescan, const Lines& rest)
-{
-    return entered("scanSnapshotAfterAttach",
-                   entered("getSnapshot") + shortcut + Lines{kRescanStart} + rescan + Lines{kRescanEnd} + rest);
-}
 
 TEST_F(SnapshotScan, RescansTheHostAndFindsTheDisk)
 {
@@ -214,68 +182,10 @@ TEST_F(SnapshotScan, GivesTheLockBackAndAnnouncesTheEndWhoeverThrows)
             EXPECT_EQ(newLog().back(), "record: scanSnapshotAfterAttach 1");
             EXPECT_EQ(semaphoreValue(), 1);
             EXPECT_EQ(GetScanState(), 2);
-            EXPECT_TRUE(g_scanLunMutex.try_lock());
-            g_scanLunMutex.unlock();
+            EXPECT_TRUE(mutexIsFree());
             recorder.verify();
         }
     }
-}
-
-TEST_F(SnapshotScan, LetsAnotherThreadWaitForItsRescanInsteadOfRescanning)
-{
-    g_multipathInstalled.store(true);
-    expectSnapshot();
-    expectRecord("/SNAPSHOT/", otherId, kOtherWwn);
-    expectRescan(doing([this] { startWaitingScan(); }));
-    expectBusyProbe(commandFailure(""));
-    const Lines search = expectMultipathSearch(wwn, "sdc", true);
-    const Lines otherSearch = expectMultipathSearch(kOtherWwn, "sdd", true);
-    EXPECT_EQ(scan(), diskPath("sdc"));
-    EXPECT_EQ(other.get(), diskPath("sdd"));
-    const Lines first = {kRescanEnd};
-    const Lines found = {"info: ---------GetDiskPathForWWN successfully---------!", "record: scanSnapshotAfterAttach 0",
-                         "info: leave scanSnapshotAfterAttach successfully!"};
-    const Lines otherStart = Lines{"info: enter scanSnapshotAfterAttach successfully!"} + entered("getSnapshot") +
-                             Lines(kWaited.begin(), kWaited.end() - 1);
-    const Lines otherEnd = Lines{kWaited.back()} + otherSearch +
-                           Lines{"info: Target Snapshot ID [8]", "record: scanSnapshotAfterAttach 0",
-                                 "info: leave scanSnapshotAfterAttach successfully!"};
-    const Lines start = Lines{"info: enter scanSnapshotAfterAttach successfully!"} + entered("getSnapshot") + kNeedsScan +
-                        Lines{kRescanStart};
-    EXPECT_EQ(newLog(), start + otherStart + first + search + found + otherEnd);
-}
-
-TEST_F(SnapshotScan, WakesTheWaitingThreadAlsoWhereItFailsByAnException)
-{
-    g_multipathInstalled.store(true);
-    expectSnapshot();
-    expectRecord("/SNAPSHOT/", otherId, kOtherWwn);
-    expectRescan(doing([this] {
-        startWaitingScan();
-        throw std::runtime_error("boom");
-    }));
-    expectMultipathSearch(kOtherWwn, "sdd", true);
-    EXPECT_EQ(scan(), "");
-    ASSERT_EQ(other.wait_for(std::chrono::seconds(10)), std::future_status::ready);
-    EXPECT_EQ(other.get(), diskPath("sdd"));
-    EXPECT_EQ(semaphoreValue(), 1);
-}
-
-TEST_F(SnapshotScan, RescansItselfWhereTheAwaitedRescanDidNotBringTheDisk)
-{
-    g_multipathInstalled.store(true);
-    expectSnapshot();
-    expectRecord("/SNAPSHOT/", otherId, kOtherWwn);
-    expectRescan(doing([this] { startWaitingScan(); }));
-    expectBusyProbe(commandFailure(""));
-    expectMultipathSearch(wwn, "sdc", true);
-    expectListing(kOtherWwn, commandFailure(""));
-    expectRescan();
-    expectBusyProbe(commandFailure(""));
-    expectMultipathSearch(kOtherWwn, "sdd", true);
-    EXPECT_EQ(scan(), diskPath("sdc"));
-    EXPECT_EQ(other.get(), diskPath("sdd"));
-    EXPECT_TRUE(hasLogged(kShortcutFailed[0]));
 }
 
 TEST_F(SnapshotScan, TakesASearchThatThrowsForADiskThatIsNotThere)
@@ -331,7 +241,7 @@ TEST_F(SnapshotShortcut, RescansInTheBackgroundWhereTheSettingFileExists)
     expectMultipathSearch(wwn, "sdc", true);
     expectRescan(doing([&] {
         started.set_value();
-        release.get_future().wait();
+        EXPECT_EQ(release.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready) << "the scan waits";
     }));
     EXPECT_EQ(scan(), diskPath("sdc"));  // it does not wait for the rescan
     EXPECT_EQ(started.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
