@@ -55,6 +55,13 @@ bool mutexIsFree()
         .get();
 }
 
+void wakeAllWaiters()
+{
+    SetScanState(UPRESCAN_ENDED);
+    const std::lock_guard<std::mutex> lock(g_scanLunMutex);
+    g_scanlunEndCond.notify_all();
+}
+
 std::size_t threadCount()
 {
     const std::unique_ptr<DIR, int (*)(DIR*)> tasks(opendir("/proc/self/task"), closedir);

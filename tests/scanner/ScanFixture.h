@@ -36,6 +36,9 @@ CommandResult doing(std::function<void()> action, CommandResult result = {});
 /// Whether a thread that waits for the end of a rescan could take the mutex now.
 bool mutexIsFree();
 
+/// Announces the end of a rescan, so that after a failed test nobody waits for ever.
+void wakeAllWaiters();
+
 /// How many threads this process has.
 std::size_t threadCount();
 

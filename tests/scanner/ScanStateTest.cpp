@@ -17,6 +17,11 @@ using ScanState = SdkTest;
 /// A thread that waits for the end of the rescan.
 class Waiter {
 public:
+    Waiter() = default;
+    Waiter(const Waiter&) = delete;
+    Waiter& operator=(const Waiter&) = delete;
+    ~Waiter() { wakeAllWaiters(); }
+
     void start()
     {
         m_done = std::async(std::launch::async, [this] {
@@ -84,7 +89,6 @@ TEST_F(ScanState, WakesAllWaitersWhenTheScanIsOver)
         EXPECT_TRUE(std::none_of(waiters.begin(), waiters.end(), std::mem_fn(&Waiter::isDone)));
     }
     EXPECT_TRUE(eventually([&] { return std::all_of(waiters.begin(), waiters.end(), std::mem_fn(&Waiter::isDone)); }));
-    g_scanlunEndCond.notify_all();  // so that a waiter that was forgotten does not hold up the other tests
 }
 
 TEST_F(ScanState, WakesWaitersAlsoWhereTheScanFailsBeforeTheEnd)

@@ -54,6 +54,13 @@ int semaphoreValue()
     return semctl(semaphoreId(), 0, GETVAL);
 }
 
+bool semaphoreWasTaken()
+{
+    semid_ds status{};
+    EXPECT_EQ(semctl(semaphoreId(), 0, IPC_STAT, &status), 0);
+    return status.sem_otime != 0;  // the time of the last semop(2)
+}
+
 int semaphoreWaiters()
 {
     return semctl(semaphoreId(), 0, GETNCNT);

@@ -16,6 +16,9 @@ void removeSemaphore(int id);
 /// 1: free, 0: held, -1: no set.
 int semaphoreValue();
 
+/// Whether anybody took it since the set was made.
+bool semaphoreWasTaken();
+
 /// How many threads of all processes wait for it.
 int semaphoreWaiters();
 

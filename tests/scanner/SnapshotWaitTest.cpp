@@ -13,6 +13,7 @@ namespace {
 class SnapshotWait : public SnapshotScan {
 protected:
     SnapshotWait() { g_multipathInstalled.store(true); }
+    ~SnapshotWait() override { wakeAllWaiters(); }
 
     bool hasLogged(const std::string& line) const { return testing::Value(recorder.log(), testing::Contains(line)); }
 
