@@ -1,39 +1,17 @@
 // The main job from end to end: log in, create or take a LUN, attach it to this host's iSCSI initiator, find its disk, and, on
-// --detach, take it away again. Copy it: it uses nothing but the public headers.
-#include <brevan/brevan.h>
-
-#include <getopt.h>
-#include <termios.h>
-#include <unistd.h>
+// --detach, take it away again. Copy it together with common/: it uses nothing but that and the public headers.
+#include "common/ArraySession.h"
+#include "common/Attachment.h"
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <iostream>
-#include <memory>
-#include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
+
+using namespace example;
 
 namespace {
 
-// How the program ends: each trouble has its own exit status.
-enum Status {
-    kDone = 0,
-    kOtherFailure = 1,
-    kUsage = 2,
-    kLoginRefused = 3,
-    kArrayNotThere = 4,
-    kNotTrusted = 5,
-    kUnknownLun = 6,
-    kUnknownInitiator = 7,
-    kAttachFailed = 8,
-    kNoDisk = 9,
-    kDetachFailed = 10,
-    kCreateFailed = 11
-};
+constexpr int kCreateFailed = kFirstStatusBesidesAttach;
 
 const char* const kHelp =
     R"(Attaches a LUN of the array to this host and prints the path of its disk.
@@ -59,17 +37,8 @@ exit status: 0 done, 1 other failure, 2 wrong usage, 3 login refused, 4 array no
              6 unknown LUN, 7 unknown initiator, 8 attach failed, 9 no disk found, 10 detach failed, 11 LUN not created
 )";
 
-/// Ends the program with a status and one line that says what is wrong and what to do.
-struct Trouble {
-    Status status;
-    std::string text;
-};
-
 struct Options {
-    std::string address;
-    unsigned int port = 8088;
-    std::string user = "admin";
-    int scope = USERTYPE_LOCAL;
+    Connection connection;
     std::string initiator;
     std::string hostIp;
     std::string pool = "0";
@@ -77,177 +46,23 @@ struct Options {
     bool detach = false;
 };
 
-unsigned int number(const char* option, const char* text, unsigned long highest)
-{
-    char* end = nullptr;
-    const unsigned long value = std::strtoul(text, &end, 10);
-    if (*text < '0' || *text > '9' || *end != '\0' || value > highest) {
-        throw Trouble{kUsage, std::string(option) + " takes a number from 0 to " + std::to_string(highest)};
-    }
-    return static_cast<unsigned int>(value);
-}
-
 Options parse(int argc, char** argv)
 {
-    enum { kAddress = 1, kPort, kUser, kScope, kInitiator, kHostIp, kPool, kLun, kDetach, kHelpFlag };
-    static const option known[] = {{"address", required_argument, nullptr, kAddress},
-                                   {"port", required_argument, nullptr, kPort},
-                                   {"user", required_argument, nullptr, kUser},
-                                   {"scope", required_argument, nullptr, kScope},
-                                   {"initiator", required_argument, nullptr, kInitiator},
-                                   {"host-ip", required_argument, nullptr, kHostIp},
-                                   {"pool", required_argument, nullptr, kPool},
-                                   {"lun", required_argument, nullptr, kLun},
-                                   {"detach", no_argument, nullptr, kDetach},
-                                   {"help", no_argument, nullptr, kHelpFlag},
-                                   {nullptr, 0, nullptr, 0}};
     Options options;
-    opterr = 0;  // one line of our own is enough
-    for (int flag = 0; (flag = getopt_long(argc, argv, "", known, nullptr)) != -1;) {
-        switch (flag) {
-            case kAddress:
-                options.address = optarg;
-                break;
-            case kPort:
-                options.port = number("--port", optarg, 65535);
-                break;
-            case kUser:
-                options.user = optarg;
-                break;
-            case kScope:
-                options.scope = static_cast<int>(number("--scope", optarg, 1000));
-                break;
-            case kInitiator:
-                options.initiator = optarg;
-                break;
-            case kHostIp:
-                options.hostIp = optarg;
-                break;
-            case kPool:
-                options.pool = optarg;
-                break;
-            case kLun:
-                options.lun = optarg;
-                break;
-            case kDetach:
-                options.detach = true;
-                break;
-            case kHelpFlag:
-                std::cout << kHelp;
-                std::exit(kDone);
-            default:
-                throw Trouble{kUsage, std::string(argv[optind - 1]) + " is no option, or lacks its value; try --help"};
-        }
-    }
-    if (optind != argc || options.address.empty() || options.initiator.empty()) {
-        throw Trouble{kUsage, "--address and --initiator are needed, and nothing but options; try --help"};
+    std::vector<Option> known = connectionOptions(options.connection);
+    known.push_back(textOption("initiator", options.initiator));
+    known.push_back(textOption("host-ip", options.hostIp));
+    known.push_back(textOption("pool", options.pool));
+    known.push_back(textOption("lun", options.lun));
+    known.push_back(flagOption("detach", options.detach));
+    parseOptions(argc, argv, kHelp, known);
+    if (options.connection.address.empty() || options.initiator.empty()) {
+        throw Trouble{kUsage, "--address and --initiator are needed; try --help"};
     }
     return options;
 }
 
-/// Asks on the terminal, without echo.
-std::string promptForPassword(const std::string& user)
-{
-    termios before;
-    if (tcgetattr(STDIN_FILENO, &before) != 0) {
-        throw Trouble{kUsage, "there is no terminal to ask for the password; set BREVAN_PASSWORD"};
-    }
-    termios silent = before;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    std::cerr << "Password of " << user << ": " << std::flush;
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
-    std::string password;
-    std::getline(std::cin, password);
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
-    std::cerr << "\n";
-    return password;
-}
-
-std::string password(const std::string& user)
-{
-    const char* given = std::getenv("BREVAN_PASSWORD");
-    return given != nullptr ? given : promptForPassword(user);
-}
-
-/// What went wrong and what to do, from the library.
-Trouble failure(Status status, const std::string& what)
-{
-    const brevan::Failure why = brevan::lastFailure();
-    std::string text = what;
-    if (!why.empty()) {
-        text += ": " + why.text + (why.advice.empty() ? "" : ". " + why.advice);
-    }
-    return Trouble{status, text};
-}
-
-/// Prints one aligned line a step, with the time that it took.
-class Steps {
-public:
-    void done(const char* step, const std::string& what)
-    {
-        const auto now = std::chrono::steady_clock::now();
-        const std::chrono::duration<double, std::milli> took = now - m_last;
-        std::printf("%-10s%-78s %8.1f ms\n", step, what.c_str(), took.count());
-        std::fflush(stdout);
-        m_last = now;
-    }
-
-private:
-    std::chrono::steady_clock::time_point m_last = std::chrono::steady_clock::now();
-};
-
-/// The device manager, released whatever happens; a session that was opened is ended before.
-class Array {
-public:
-    Array() : m_manager(CDeviceManager::getInstance()) {}
-    ~Array()
-    {
-        if (m_loggedIn) {
-            m_manager->logoutDevice();
-        }
-        CDeviceManager::releaseInstance(m_manager);
-    }
-    Array(const Array&) = delete;
-    Array& operator=(const Array&) = delete;
-
-    void login(const Options& options)
-    {
-        const int result = m_manager->loginDevice(options.address, options.port, options.user, password(options.user),
-                                                  static_cast<USERTYPE>(options.scope));
-        if (result != 1) {
-            const int code = brevan::lastFailure().code;
-            const bool notThere = code == brevan::FAILURE_NO_CONNECTION || code == brevan::FAILURE_TIMED_OUT ||
-                                  code == brevan::FAILURE_CONNECTION_LOST || code == brevan::FAILURE_UNUSABLE_REPLY;
-            throw failure(code == brevan::FAILURE_NOT_TRUSTED    ? kNotTrusted
-                          : notThere                             ? kArrayNotThere
-                          : code == brevan::FAILURE_REFUSED      ? kUsage
-                          : code == brevan::FAILURE_BAD_SETTINGS ? kOtherFailure
-                                                                 : kLoginRefused,
-                          "cannot log in to " + options.address + ":" + std::to_string(options.port));
-        }
-        m_loggedIn = true;
-    }
-
-    void logout()
-    {
-        m_loggedIn = false;
-        if (m_manager->logoutDevice() != 1) {
-            throw failure(kOtherFailure, "cannot log out");
-        }
-    }
-
-    template <class Handler>
-    Handler& get(HANDLERTYPE type)
-    {
-        return *static_cast<Handler*>(m_manager->getHandler(type));
-    }
-
-private:
-    CDeviceManager* m_manager;
-    bool m_loggedIn = false;
-};
-
-LunMO createLun(Array& array, const std::string& pool)
+LunMO createLun(ArraySession& array, const std::string& pool)
 {
     LunMO wanted;
     wanted.NAME = "example_" + std::to_string(std::chrono::system_clock::now().time_since_epoch().count() / 1000000);
@@ -262,7 +77,7 @@ LunMO createLun(Array& array, const std::string& pool)
     return lun;
 }
 
-LunMO takeLun(Array& array, const Options& options)
+LunMO takeLun(ArraySession& array, const Options& options)
 {
     if (options.lun.empty()) {
         try {
@@ -278,35 +93,13 @@ LunMO takeLun(Array& array, const Options& options)
             return lun;
         }
     } catch (PlimAPIExceptionWithErrCode&) {
-        throw failure(kUnknownLun, unknown);
+        throw failure(kUnknownVolume, unknown);
     }
-    throw Trouble{kUnknownLun, unknown};
-}
-
-void checkInitiator(Array& array, const std::string& initiator)
-{
-    const std::string unknown =
-        "the array has no iSCSI initiator " + initiator + "; create it there, or correct --initiator";
-    try {
-        if (!array.get<CIscsiInitiatorHandler>(HANDLER_ISCSI_INITIATOR).getIscsiInitiator(initiator).ID.empty()) {
-            return;
-        }
-    } catch (PlimAPIExceptionWithErrCode&) {
-        throw failure(kUnknownInitiator, unknown);
-    }
-    throw Trouble{kUnknownInitiator, unknown};
-}
-
-/// The objects that an attach names carry the current second in their names: begin in a new one.
-void waitForNewSecond()
-{
-    const auto now = std::chrono::system_clock::now();
-    const auto next = std::chrono::time_point_cast<std::chrono::seconds>(now) + std::chrono::seconds(1);
-    std::this_thread::sleep_until(next + std::chrono::milliseconds(10));
+    throw Trouble{kUnknownVolume, unknown};
 }
 
 /// The chain from the host to the LUN, as the array has it now.
-std::string chain(Array& array, const LunMO& lun, const std::string& initiator)
+std::string chain(ArraySession& array, const LunMO& lun, const std::string& initiator)
 {
     const auto bound = array.get<CIscsiInitiatorHandler>(HANDLER_ISCSI_INITIATOR).getIscsiInitiator(initiator);
     std::string text = "host " + bound.PARENTID;
@@ -322,7 +115,7 @@ std::string chain(Array& array, const LunMO& lun, const std::string& initiator)
     return text;
 }
 
-void attach(Array& array, const Options& options, const LunMO& lun, Steps& steps)
+void attach(ArraySession& array, const Options& options, const LunMO& lun, Steps& steps)
 {
     checkInitiator(array, options.initiator);
     waitForNewSecond();
@@ -336,7 +129,7 @@ void attach(Array& array, const Options& options, const LunMO& lun, Steps& steps
     steps.done("attach", (result == 1 ? "already: " : "") + chain(array, lun, options.initiator));
 }
 
-std::string findDisk(Array& array, const LunMO& lun)
+std::string findDisk(ArraySession& array, const LunMO& lun)
 {
     std::string id = lun.ID;
     std::string path = array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(id);
@@ -346,7 +139,7 @@ std::string findDisk(Array& array, const LunMO& lun)
     return path;
 }
 
-void detach(Array& array, const Options& options, const LunMO& lun)
+void detach(ArraySession& array, const Options& options, const LunMO& lun)
 {
     std::string id = lun.ID;
     array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunBeforeDetach(id);
@@ -359,9 +152,9 @@ void detach(Array& array, const Options& options, const LunMO& lun)
 void run(const Options& options)
 {
     Steps steps;
-    Array array;
-    array.login(options);
-    steps.done("login", options.user + " at " + options.address + ":" + std::to_string(options.port));
+    ArraySession array;
+    array.login(options.connection);
+    steps.done("login", nameOf(options.connection));
     const LunMO lun = takeLun(array, options);
     steps.done(options.lun.empty() ? "create" : "read",
                "LUN " + lun.ID + " " + lun.NAME + ", " + std::to_string(lun.CAPACITY >> 20) + " MiB, wwn " + lun.WWN);
@@ -374,21 +167,13 @@ void run(const Options& options)
     }
     array.logout();
     steps.done("logout", "session ended");
-    std::printf("%-10s%s\n%-10s%s\n", "disk", path.c_str(), "wwn", lun.WWN.c_str());
+    printResult("disk", path);
+    printResult("wwn", lun.WWN);
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    try {
-        run(parse(argc, argv));
-        return kDone;
-    } catch (const Trouble& trouble) {
-        std::cerr << "attach_volume: " << trouble.text << "\n";
-        return trouble.status;
-    } catch (const std::exception&) {
-        std::cerr << "attach_volume: " << failure(kOtherFailure, "failed").text << "\n";
-        return kOtherFailure;
-    }
+    return runProgram("attach_volume", [&] { run(parse(argc, argv)); });
 }
