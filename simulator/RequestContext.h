@@ -33,6 +33,7 @@ struct RequestContext {
     std::vector<std::pair<std::string, std::string>> replyHeaders;
     bool exposureChanged = false;                   ///< set by what may change who sees which volume
     std::vector<std::function<void()>> afterwards;  ///< what cannot be undone: done once the change is kept
+    std::uint64_t session = 0;                      ///< number of the session that the request belongs to or opens
 
     Database& database() { return array.database; }
 };

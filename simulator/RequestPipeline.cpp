@@ -137,7 +137,7 @@ Answer RequestPipeline::answer(const WireRequest& request, JournalEntry& entry,
     if (target.device != m_array.options.deviceId && (match.route->needsSession || target.device != kAnyDevice)) {
         throw ApiError(kUnknownDevice, "The device " + inQuotes(target.device) + " is not this array.");
     }
-    RequestContext context{m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id, {}, false, {}};
+    RequestContext context{m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id, {}, false, {}, 0};
     Answer result = run(match.route->handler, context);
     headers = std::move(context.replyHeaders);
     return result;
@@ -193,7 +193,7 @@ void RequestPipeline::perform(const std::function<void(RequestContext&)>& work)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const WireRequest none;
-    RequestContext context{m_array, none, {}, {}, {}, {}, false, {}};
+    RequestContext context{m_array, none, {}, {}, {}, {}, false, {}, 0};
     run(
         [&work](RequestContext& inner) {
             work(inner);

@@ -25,6 +25,7 @@ Answer logIn(RequestContext& context)
         throw ApiError(kLoginRefused, "The user name or the password is wrong.");
     }
     const SessionStore::Credentials credentials = context.array.sessions.open(user, scope);
+    context.session = credentials.number;
     context.replyHeaders.emplace_back("Set-Cookie", credentials.cookie + "; Path=/; Secure; HttpOnly; SameSite=Strict");
     Answer answer{kDone, "0", sessionRecord(context, user, scope)};
     answer.data["iBaseToken"] = credentials.token;

@@ -39,8 +39,8 @@ SessionStore::Credentials SessionStore::open(const std::string& user, std::uint6
     }
     const std::string token = randomHex(32);
     const std::string value = randomHex(32);
-    m_sessions[sha256(value)] = Session{user, scope, sha256(token), m_now()};
-    return {token, kCookieName + value};
+    m_sessions[sha256(value)] = Session{user, scope, sha256(token), m_now(), ++m_opened};
+    return {token, kCookieName + value, m_opened};
 }
 
 SessionStore::Session* SessionStore::find(const std::string& token, const std::string& cookieHeader)

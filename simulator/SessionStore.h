@@ -2,6 +2,7 @@
 #define BREVAN_SIMULATOR_SESSIONSTORE_H
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <unordered_map>
@@ -18,10 +19,12 @@ public:
         std::uint64_t scope = 0;
         std::string tokenHash;
         Clock::time_point lastUse;
+        std::uint64_t number = 0;  ///< tells sessions apart where no secret may stand; from 1, in the order of the logins
     };
     struct Credentials {
         std::string token;
         std::string cookie;  ///< "session=..." without attributes
+        std::uint64_t number = 0;
     };
 
     SessionStore(std::size_t most, std::chrono::seconds idle, std::function<Clock::time_point()> now);
@@ -39,6 +42,7 @@ private:
     std::size_t m_most;
     std::chrono::seconds m_idle;
     std::function<Clock::time_point()> m_now;
+    std::uint64_t m_opened = 0;
     std::unordered_map<std::string, Session> m_sessions;  ///< by the hash of the cookie's value
 };
 
