@@ -21,6 +21,12 @@ function(brevan_shared_library target)
   endif()
 endfunction()
 
+# brevan_exports(TARGET FILE): the shared library exports what that version script says, and no instance of a template beside.
+function(brevan_exports target file)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${file})
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${file})
+endfunction()
+
 # brevan_test_target(TARGET [HEADER...]): a test program. The test library's headers, and others that all its sources include, are
 # compiled once; tests are not optimised, for nothing depends on their speed: both together save two thirds of their build time.
 function(brevan_test_target target)
