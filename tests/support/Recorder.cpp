@@ -91,6 +91,7 @@ void Recorder::reset()
     logInitResult = 0;
     logFiniResult = 0;
     ipCheckResult = 1;
+    logCalls = false;
 }
 
 void Recorder::expectRequest(const std::string& line, Answer answer)
@@ -170,6 +171,9 @@ void Recorder::note(const std::string& call)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_calls.push_back(call);
+    if (logCalls) {
+        m_log.push_back("call: " + call);
+    }
 }
 
 void Recorder::noteHandle(unsigned int handle)

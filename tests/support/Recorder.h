@@ -68,6 +68,7 @@ public:
     int logInitResult = 0;
     int logFiniResult = 0;
     int ipCheckResult = 1;
+    bool logCalls = false;  ///< calls() go to log(), too, as "call: ..."
 
     // For the recorded platform interface.
     Answer request(const std::string& line);
