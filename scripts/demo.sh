@@ -1,9 +1,9 @@
 #!/bin/bash
-# Runs the main job once, from login to disk: installs missing packages, builds, boots a throw-away Linux kernel, starts the
-# simulated array in it, and lets examples/attach_volume create a LUN, attach it and find its disk. The last two lines are
-# the disk and its WWN, read back from the disk itself. Exit status 0 only when that WWN is the array's.
+# Runs the main job once, from login to disk: installs missing packages, builds, prepares a host that is thrown away afterwards,
+# starts the simulated array in it, and lets examples/attach_volume create a LUN, attach it and find its disk. The last two lines
+# are the disk and its WWN, read back from the disk itself. Exit status 0 only when that WWN is the array's and the example's.
 #   scripts/demo.sh                    on the kernel host: a real kernel, its iSCSI initiator, real SCSI disks
-#   scripts/demo.sh --host simulated   on a simulated host: not there yet, exit status 2
+#   scripts/demo.sh --host simulated   on the simulated host: this kernel, disks are files that answer as SCSI disks do
 #   scripts/demo.sh --build FOLDER     with the programs of that build instead of building preset release
 set -euo pipefail
 # shellcheck source=scripts/common.sh
@@ -23,18 +23,23 @@ parseArguments() {
         esac
         shift
     done
-    [[ $host == kernel ]] || die "there is no simulated host yet; run scripts/demo.sh --host kernel" 2
 }
 
 parseArguments "$@"
+printf -v begin '%(%s)T' -1
 if [[ -z $build ]]; then
     say "packages"
     installPackages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
-    buildPreset release brevan-array-sim attach_volume
+    buildPreset release brevan-array-sim attach_volume simulated_ioctl
     build=$TOP/build/release
 fi
 build=$(cd "$build" && pwd)
+job=("$TOP/scripts/demo-on-host.sh" "$host" "$build" "$begin")
+if [[ $host == simulated ]]; then
+    say "simulated host: starting"
+    exec "$TOP/tests/simulated_host/run-in-host.sh" "$build" -- "${job[@]}"
+fi
 guest=$TOP/tests/kernel_host/run-in-guest.sh
 "$guest" --prepare
 say "kernel host: booting"
-exec "$guest" --limit 120 --show "$build" -- "$TOP/scripts/demo-in-guest.sh" "$build" "$SECONDS"
+exec "$guest" --limit 120 --show "$build" -- "${job[@]}"

@@ -6,8 +6,8 @@ BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
 # shellcheck source=tests/kernel_host/array.sh
 source "$HERE/array.sh"
-# shellcheck source=tests/kernel_host/checks.sh
-source "$HERE/checks.sh"
+# shellcheck source=tests/support/checks.sh
+source "$HERE/../support/checks.sh"
 CONFIG=/sys/kernel/config/target
 
 create() { apiOk POST "$1" "$2" && field ID; }           # PATH BODY: prints the new object's ID

@@ -1,13 +1,13 @@
 #!/bin/bash
 # attach_volume as a user runs it: attach an existing LUN, attach it again, detach it; and every trouble with its exit status and its one
-# line. Runs inside the kernel host: example-test.sh BUILD
+# line. Runs on a host for tests: attach-volume-test.sh kernel|simulated BUILD
 set -euo pipefail
-BUILD=$1
+BUILD=$2
 HERE=$(cd "$(dirname "$0")" && pwd)
 # shellcheck source=tests/kernel_host/array.sh
-source "$HERE/array.sh"
-# shellcheck source=tests/kernel_host/checks.sh
-source "$HERE/checks.sh"
+source "$HERE/../${1}_host/array.sh"
+# shellcheck source=tests/support/checks.sh
+source "$HERE/../support/checks.sh"
 
 example() { "$BUILD/bin/attach_volume" "${connection[@]}" "$@" >/tmp/output 2>/tmp/errors; }
 trouble() {                                  # WHAT STATUS TEXT [ARGUMENT...]: that exit status, and one line that says that
@@ -50,6 +50,6 @@ now=$(date +%s)                              # somebody else has taken the names
 for second in {0..9}; do apiOk POST /lungroup/ "{\"NAME\": \"lungroup_$((now + second))\"}"; done
 trouble "attach failed" 8 "LUN $lun could not be attached: get error response, error code:" --lun "$lun"
 sleep $((now + 10 - $(date +%s)))
-iscsiadm -m session -u >/dev/null            # nobody brings the disk
+logoutInitiator                              # nobody brings the disk
 trouble "no disk" 9 "this host has no disk of LUN $lun: no disk of this host carries the WWN \"$wwn\"" --lun "$lun"
 endChecks

@@ -1,12 +1,13 @@
 #!/bin/bash
-# The part of scripts/demo.sh that runs inside the kernel host: demo-in-guest.sh BUILD SECONDS-BEFORE
+# The part of scripts/demo.sh that runs on the host for tests: demo-on-host.sh kernel|simulated BUILD BEGIN
+# BEGIN: when the demo began, in seconds since 1970. What is particular to the host stands in its array.sh.
 set -euo pipefail
-BUILD=$1 BEFORE=$2
+KIND=$1 BUILD=$2 BEGIN=$3
 HERE=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=tests/kernel_host/array.sh
-source "$HERE/../tests/kernel_host/array.sh"
+source "$HERE/../tests/${KIND}_host/array.sh"
 
-say() { local up; read -r up _ </proc/uptime; echo "[$((BEFORE + ${up%.*})) s] $*"; }
+say() { local now; printf -v now '%(%s)T' -1; echo "[$((now - BEGIN)) s] $*"; }
 die() { echo "demo: $1" >&2; exit 1; }
 
 # Leaves the disk's path in $disk, the LUN's ID in $lun and what the example says of its WWN in $wwn; shows all its other lines.
@@ -33,13 +34,13 @@ arraysWwn() {                                # as the array itself tells it, ask
     apiLogin >/dev/null && apiOk GET "/lun/$lun" && field WWN
 }
 
-say "simulated array: starting, with the kernel's iSCSI target behind it"
+say "simulated array: starting, with $BEHIND_ARRAY behind it"
 startArray --port 8088 || die "the simulated array did not start"
 say "iSCSI initiator $INITIATOR: logging in to it"
 loginInitiator || die "the initiator could not log in"
 say "attach_volume"
 runExample
-say "reading the WWN back: sg_inq from the disk, curl from the array"
+say "reading the WWN back: $DISK_READER, curl from the array"
 page=$(wwnOfDisk "$disk")
 array=$(arraysWwn) || die "the array did not tell the WWN of LUN $lun"
 [[ -n $page && $page == "$array" && $page == "$wwn" ]] ||
