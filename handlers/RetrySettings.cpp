@@ -11,7 +11,7 @@ void RetrySettings::refresh(const CDeviceManagerImpl* manager)
     }
     unsigned int times = 0;
     unsigned int pause = 0;
-    manager->GetReTryInfo(times, pause);
+    CDeviceManagerImpl::GetReTryInfo(times, pause);
     m_retryTimes.store(times, std::memory_order_relaxed);
     m_trySleepTimeMs.store(pause, std::memory_order_relaxed);
 }

@@ -52,6 +52,7 @@ void rescanInBackground()
 
 }  // namespace
 
+// By value is what callers were built with. NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::string CDiskScannerHandlerImpl::ScanSnapshotPreare(std::string snapshotId, const std::string& wwn)
 {
     COMMLOG(OS_LOG_INFO, "enter ScanSnapshotPreare successfully!");

@@ -157,7 +157,7 @@ void SettingsReader::parse(std::string text)
     const int badLine = ini_parse_string(text.c_str(), &SettingsReader::onSetting, this);
     if (badLine > 0) {
         complain("line " + std::to_string(badLine) +
-                 " is neither \"[section]\" nor \"name = value\" and is ignored; so is any other such line after it.");
+                 R"( is neither "[section]" nor "name = value" and is ignored; so is any other such line after it.)");
     } else if (badLine < 0) {
         complain("not enough memory to read it; the defaults are used.");
     }
@@ -210,6 +210,7 @@ LogSettings readLogSettings(const char* path)
 std::vector<std::string> logSettingNames()
 {
     std::vector<std::string> names;
+    names.reserve(kSettings.size());
     for (const SettingRow& row : kSettings) {
         names.push_back(std::string(row.section) + "." + std::string(row.name));
     }

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <csignal>
 
-extern "C" char** environ;
+extern "C" char** environ;  // NOLINT(readability-redundant-declaration): unistd.h declares it only for GNU sources
 
 namespace brevan {
 
