@@ -86,16 +86,9 @@ LunMO takeLun(ArraySession& array, const Options& options)
             throw failure(kCreateFailed, "cannot create a LUN in pool " + options.pool);
         }
     }
-    const std::string unknown = "the array has no LUN " + options.lun + "; choose one that it lists, or leave --lun out";
-    try {
-        const LunMO lun = array.get<CLunHandler>(HANDLER_LUN).getLun(options.lun);
-        if (!lun.ID.empty()) {
-            return lun;
-        }
-    } catch (PlimAPIExceptionWithErrCode&) {
-        throw failure(kUnknownVolume, unknown);
-    }
-    throw Trouble{kUnknownVolume, unknown};
+    return readKnown(kUnknownVolume,
+                     "the array has no LUN " + options.lun + "; choose one that it lists, or leave --lun out",
+                     [&] { return array.get<CLunHandler>(HANDLER_LUN).getLun(options.lun); });
 }
 
 /// The chain from the host to the LUN, as the array has it now.
@@ -122,21 +115,14 @@ void attach(ArraySession& array, const Options& options, const LunMO& lun, Steps
     steps.done("wait", "for a new second");
     const int result =
         array.get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).attachLunToHost(lun.ID, options.initiator, options.hostIp);
-    // Result 0 says only that the attach ran to its end; 1 that the LUN was attached already.
-    if (result == 0 && !brevan::lastFailure().empty()) {
-        throw failure(kAttachFailed, "LUN " + lun.ID + " could not be attached");
-    }
-    steps.done("attach", (result == 1 ? "already: " : "") + chain(array, lun, options.initiator));
+    const bool isNew = isNewlyAttached(result, "LUN " + lun.ID);
+    steps.done("attach", (isNew ? "" : "already: ") + chain(array, lun, options.initiator));
 }
 
 std::string findDisk(ArraySession& array, const LunMO& lun)
 {
     std::string id = lun.ID;
-    std::string path = array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(id);
-    if (path.empty()) {
-        throw failure(kNoDisk, "this host has no disk of LUN " + lun.ID);
-    }
-    return path;
+    return requireDisk(array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(id), "LUN " + lun.ID);
 }
 
 void detach(ArraySession& array, const Options& options, const LunMO& lun)
@@ -144,9 +130,7 @@ void detach(ArraySession& array, const Options& options, const LunMO& lun)
     std::string id = lun.ID;
     array.get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunBeforeDetach(id);
     array.get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).detachLunFromHost(lun.ID, options.initiator);
-    if (!brevan::lastFailure().empty()) {
-        throw failure(kDetachFailed, "LUN " + lun.ID + " could not be detached");
-    }
+    requireDetached("LUN " + lun.ID);
 }
 
 void run(const Options& options)

@@ -2,39 +2,18 @@
 # attach_volume as a user runs it: attach an existing LUN, attach it again, detach it; and every trouble with its exit status and its one
 # line. Runs on a host for tests: attach-volume-test.sh kernel|simulated BUILD
 set -euo pipefail
-BUILD=$2
-HERE=$(cd "$(dirname "$0")" && pwd)
-# shellcheck source=tests/kernel_host/array.sh
-source "$HERE/../${1}_host/array.sh"
-# shellcheck source=tests/support/checks.sh
-source "$HERE/../support/checks.sh"
+HOST=$1 BUILD=$2 PROGRAM=attach_volume
+# shellcheck source=tests/examples/example.sh
+source "$(dirname "$0")/example.sh"
 
-example() { "$BUILD/bin/attach_volume" "${connection[@]}" "$@" >/tmp/output 2>/tmp/errors; }
-trouble() {                                  # WHAT STATUS TEXT [ARGUMENT...]: that exit status, and one line that says that
-    local what=$1 status=0
-    example "${@:4}" || status=$?
-    is "$what: exit status" "$status" "$2"
-    is "$what: lines" "$(wc -l </tmp/errors)" 1
-    check "$what: the line says so" grep -qF -e "$3" /tmp/errors
-}
-
-startArray --settle 0
-apiLogin
-loginInitiator
-apiOk POST /lun '{"NAME": "existing", "PARENTID": "0", "CAPACITY": 131072, "ALLOCTYPE": 1, "INITIALALLOCCAPACITY": 0}'
-lun=$(field ID)
-apiOk GET "/lun/$lun"
-wwn=$(field WWN)
-export BREVAN_PASSWORD=$ARRAY_PASSWORD BREVAN_TRANSPORT_CONFIG=/tmp/transport.ini
-printf '[tls]\nca_file = %s\n' "$ARRAY_DIR/ca.pem" >"$BREVAN_TRANSPORT_CONFIG"
-connection=(--address 127.0.0.1 --port "$ARRAY_PORT" --user "$ARRAY_USER" --initiator "$INITIATOR")
-
-check "an existing LUN is attached" example --lun "$lun"
-disk=$(sed -n 's/^disk *//p' /tmp/output)
+startForExample
+wwn=$(wwnOf "/lun/$lun")
+check "an existing LUN is attached" program --lun "$lun"
+disk=$(result disk)
 is "its disk carries its WWN" "$(wwnOfDisk "$disk")" "$wwn"
-check "attached again, it is found as it is" example --lun "$lun"
+check "attached again, it is found as it is" program --lun "$lun"
 check "and told to be attached already" grep -qE '^attach +already: host ' /tmp/output
-check "it is detached" example --lun "$lun" --detach
+check "it is detached" program --lun "$lun" --detach
 is "nothing is exposed any more" "$(apiOk GET "/lun/$lun" && field EXPOSEDTOINITIATOR)" false
 removeDisk "$(readlink -f "$disk")"
 step "main job done"

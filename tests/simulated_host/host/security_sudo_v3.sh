@@ -34,7 +34,7 @@ writeGone() {
 
 addDisk() {                                  # WWN BYTES: leaves its name in $name
     freeName
-    echo "first block of volume $1" >"/dev/$name"
+    echo "volume ${1: -8}, first block" >"/dev/$name"
     truncate -s "$2" "/dev/$name"
     ln -sfn "../../$name" "$BY_ID/scsi-3$1"
     ln -sfn "../../$name" "$BY_ID/wwn-0x$1"
