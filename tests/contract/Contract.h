@@ -23,7 +23,7 @@ public:
     template <class Body>
     Call(Body body)
     {
-        m_call = [body](Sdk& sdk) -> std::string {
+        m_call = [body](Sdk& sdk) mutable -> std::string {
             if constexpr (std::is_void_v<std::invoke_result_t<Body, Sdk&>>) {
                 body(sdk);
                 return "";
