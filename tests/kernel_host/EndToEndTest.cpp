@@ -1,27 +1,23 @@
 // The main job against the simulated array and a real kernel: runs as root inside the kernel host's guest and nowhere else.
-#include "simulator/ArrayServer.h"
-
-#include <brevan/brevan.h>
+#include "support/HostClient.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 namespace {
 
 using brevan::lastFailure;
 using brevan::sim::ArrayServer;
+using brevan::test::HostClient;
+using brevan::test::trust;
+using brevan::test::waitForNewSecond;
 
-constexpr const char* kPassword = "End2End-password";
 constexpr const char* kOtherInitiator = "iqn.2020-01.lab:somebody-else";
 
 /// The standard output of a command that has to succeed.
@@ -46,80 +42,13 @@ std::string ownInitiator()
     return line.substr(line.find('=') + 1);
 }
 
-void waitForNewSecond()
-{
-    using namespace std::chrono;
-    std::this_thread::sleep_until(time_point_cast<seconds>(system_clock::now()) + seconds(1) + milliseconds(5));
-}
-
 brevan::sim::ServerOptions arrayOptions(const std::string& folder)
 {
-    std::filesystem::create_directories(folder + "/volumes");
-    brevan::sim::ServerOptions options;
-    options.password = kPassword;
-    options.caFile = folder + "/ca.pem";
+    auto options = brevan::test::arrayOptions(folder);
     options.volumeDirectory = folder + "/volumes";
     options.iscsiInitiators = {ownInitiator(), kOtherInitiator};
     return options;
 }
-
-/// From now on the transport trusts that array.
-void trust(const ArrayServer& array)
-{
-    const std::string file = "/tmp/transport.ini";
-    std::ofstream(file) << "[tls]\nca_file = " << array.caFile() << "\n";
-    setenv("BREVAN_TRANSPORT_CONFIG", file.c_str(), 1);
-}
-
-struct Release {
-    void operator()(CDeviceManager* manager) const { CDeviceManager::releaseInstance(manager); }
-};
-
-/// A device manager, and short ways to what a test calls.
-struct Client {
-    std::unique_ptr<CDeviceManager, Release> manager{CDeviceManager::getInstance()};
-
-    int login(const ArrayServer& array, const std::string& password = kPassword)
-    {
-        return manager->loginDevice(array.address(), array.port(), "admin", password, USERTYPE_LOCAL);
-    }
-
-    template <class Handler>
-    Handler& get(HANDLERTYPE type)
-    {
-        return *static_cast<Handler*>(manager->getHandler(type));
-    }
-
-    LunMO createLun()
-    {
-        static int number = 0;
-        LunMO wanted;
-        wanted.NAME = "e2e_" + std::to_string(++number);
-        wanted.PARENTID = "0";
-        wanted.CAPACITY = 64ULL << 20;
-        wanted.ALLOCTYPE = 1;
-        wanted.ALLOCCAPACITY = 1ULL << 20;
-        return get<CLunHandler>(HANDLER_LUN).createLun(wanted);
-    }
-
-    int attach(const std::string& lunId, const std::string& initiator = ownInitiator())
-    {
-        return get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).attachLunToHost(lunId, initiator, "127.0.0.1");
-    }
-
-    std::string scan(std::string lunId) { return get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunAfterAttach(lunId); }
-
-    void detach(std::string lunId)
-    {
-        get<CDiskScannerHandler>(HANDLER_DISK_SCANNER).scanLunBeforeDetach(lunId);
-        get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).detachLunFromHost(lunId, ownInitiator());
-    }
-
-    std::string hostOfInitiator()
-    {
-        return get<CIscsiInitiatorHandler>(HANDLER_ISCSI_INITIATOR).getIscsiInitiator(ownInitiator()).PARENTID;
-    }
-};
 
 /// One array with the kernel's iSCSI target behind it, to which this host is logged in, for all tests; a session for each.
 class EndToEnd : public testing::Test {
@@ -159,7 +88,7 @@ protected:
     }
 
     static std::unique_ptr<ArrayServer> array;
-    Client client;
+    HostClient client{ownInitiator()};
 };
 
 std::unique_ptr<ArrayServer> EndToEnd::array;
@@ -190,7 +119,7 @@ TEST_F(EndToEnd, FindsTheDiskOfAnAttachedLunAndDetachesIt)
 
 TEST_F(EndToEnd, RefusesAWrongPassword)
 {
-    Client other;
+    HostClient other(ownInitiator());
     EXPECT_EQ(other.login(*array, "wrong"), 0);
     EXPECT_EQ(lastFailure().operation, "loginDevice");
     EXPECT_NE(lastFailure().text.find("Login device fail,err msg:"), std::string::npos) << lastFailure().text;
@@ -214,7 +143,7 @@ TEST_F(EndToEnd, TellsThatTheArrayHasStopped)
     ArrayServer brief(arrayOptions("/tmp/brief"));
     brief.start();
     trust(brief);
-    Client other;
+    HostClient other(ownInitiator());
     ASSERT_EQ(other.login(brief), 1) << lastFailure().text;
     const LunMO lun = other.createLun();
     brief.stop();
@@ -265,7 +194,7 @@ TEST_F(EndToEnd, KeepsTheHostOfAnInitiatorThatIsBound)
 std::future<brevan::Failure> attachInNewSecond(const ArrayServer& array, const std::string& lunId)
 {
     return std::async(std::launch::async, [&array, lunId] {
-        Client own;
+        HostClient own(ownInitiator());
         EXPECT_EQ(own.login(array), 1) << lastFailure().text;
         waitForNewSecond();
         EXPECT_EQ(own.attach(lunId), 0);
