@@ -1,15 +1,29 @@
 #!/bin/bash
 # What scripts/test.sh --all adds to the ordinary tests; sourced after common.sh. A new kind of check is one function
 # that builds what it needs and prints CTest lines for test.sh, called in extendedTests.
-extendedPackages() { echo clang-tidy; }
+extendedPackages() { echo clang-tidy gcovr; }
 extendedTests() {
     extendedThreads
+    extendedCheck coverage Coverage "$TOP/scripts/coverage.sh"
+    extendedCheck mutants Mutants "$TOP/scripts/mutants.sh"
     extendedTidy
+}
+
+measureCoverage() {                          # scripts/test.sh --coverage: this one alone
+    installPackages gcovr
+    buildPreset coverage
+    exec "$TOP/scripts/coverage.sh"
 }
 
 extendedThreads() {                          # the unit tests once more, under the thread sanitizer
     buildPreset tsan >&2
     echo "subdirs(\"$TOP/build/tsan\")"
+}
+
+extendedCheck() {                            # LABEL NAME COMMAND: one check that takes the whole machine and some time
+    [[ $1 != coverage ]] || buildPreset coverage >&2
+    echo "add_test($2 \"$3\")"
+    echo "set_tests_properties($2 PROPERTIES LABELS $1 TIMEOUT 3600 RUN_SERIAL ON)"
 }
 
 extendedTidy() {                             # clang-tidy runs as part of a build; the build is the test

@@ -4,7 +4,8 @@
 #   scripts/test.sh                what is run before every change
 #   scripts/test.sh --label L      only tests with that label: unit, contract, package, simulated_host, kernel_host
 #   scripts/test.sh --preset P     only that preset: release, asan, dev, tsan
-#   scripts/test.sh --all          also the thread sanitizer and clang-tidy
+#   scripts/test.sh --coverage     only how much of the SDK the tests reach, with the lines that they do not
+#   scripts/test.sh --all          all of this, and the thread sanitizer, clang-tidy and mutants
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -16,7 +17,7 @@ LABELS=(unit contract package simulated_host kernel_host)
 FOLDER=$TOP/build/all
 
 parseArguments() {
-    label="" all="" presets=()
+    label="" all="" coverage="" presets=()
     while [[ $# -gt 0 ]]; do
         case $1 in
         --label) label=${2:-} ; shift
@@ -24,6 +25,7 @@ parseArguments() {
         --preset) presets=("${2:-}"); shift
             [[ ${presets[0]} =~ ^(release|asan|dev|tsan)$ ]] || die "--preset takes one of: release asan dev tsan" 2 ;;
         --all) all=yes ;;
+        --coverage) coverage=yes ;;
         --help | -h) usage; exit 0 ;;
         *) die "unknown argument $1 (see --help)" 2 ;;
         esac
@@ -56,6 +58,7 @@ runTests() {
 parseArguments "$@"
 say "packages"
 installPackages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" ${all:+$(extendedPackages)}
+if [[ -n $coverage ]]; then measureCoverage; fi
 for preset in "${presets[@]}"; do buildPreset "$preset"; done
 if [[ -z $label || $label == kernel_host ]] && [[ " ${presets[*]} " =~ " release " || " ${presets[*]} " =~ " dev " ]]; then
     "$TOP/tests/kernel_host/run-in-guest.sh" --prepare
