@@ -105,18 +105,34 @@ Operation& Operation::refuses(const std::string& message, const Call& call)
     return refusal(message, call, failed(m_name, "error: " + message + m_name, 1), exception(message + m_name));
 }
 
+const Row& Operation::newestSuccess() const
+{
+    return *std::find_if(m_rows.rbegin(), m_rows.rend(), [](const Row& one) { return one.succeeds; });
+}
+
 Operation& Operation::failsAt(const std::string& request, const std::vector<std::string>& within)
 {
-    const auto newest = std::find_if(m_rows.rbegin(), m_rows.rend(), [](const Row& one) { return one.succeeds; });
-    const Row whole = *newest;
+    const Row whole = newestSuccess();
     const std::string& sender = within.back();
     const Steps first = before(whole.steps, request);
     add("unreachable at " + request, whole.call, {first, sendUnreachable(request, sender), records(within, kUnreachable)},
         unreachable(sender));
-    withRetries(whole.retryTimes, whole.pauseMicroseconds);
     add("refused at " + request, whole.call, {first, sendRefused(request, sender), records(within, kRefused)},
         refused(sender));
-    return withRetries(whole.retryTimes, whole.pauseMicroseconds);
+    return *this;
+}
+
+Operation& Operation::endsAt(const std::string& request, const std::vector<std::string>& within, const Steps& closing,
+                             const std::string& result)
+{
+    const Row whole = newestSuccess();
+    const std::string& sender = within.back();
+    const Steps first = before(whole.steps, request);
+    add("unreachable at " + request, whole.call,
+        {first, sendUnreachable(request, sender), records(within, kUnreachable), closing}, result);
+    add("refused at " + request, whole.call, {first, sendRefused(request, sender), records(within, kRefused), closing},
+        result);
+    return *this;
 }
 
 Operation& Operation::withRetries(unsigned int times, unsigned int pauseMicroseconds)

@@ -64,9 +64,13 @@ public:
     /// An argument check: the message and the operation's name are logged and thrown, nothing is sent.
     Operation& refuses(const std::string& message, const Call& call);
 
-    /// The newest row above, but this request gets no usable reply, or an error of the array (two rows). `within`: the operations
+    /// The newest succeeds() above, but this request gets no usable reply, or an error of the array (two rows). `within`: the operations
     /// that fail by that, outermost first. The innermost one is named in the message; each writes a record, none a leave line.
     Operation& failsAt(const std::string& request, const std::vector<std::string>& within);
+
+    /// The same, but what fails is not passed on: after the records come these steps, and the call has this result.
+    Operation& endsAt(const std::string& request, const std::vector<std::string>& within, const Steps& closing,
+                      const std::string& result);
 
     /// Anything else, in full.
     Operation& row(const std::string& title, Call call, Steps steps, const std::string& result);
@@ -82,6 +86,7 @@ public:
 
 private:
     Operation& add(const std::string& title, Call call, Steps steps, const std::string& result);
+    const Row& newestSuccess() const;
 
     std::string m_name;
     std::vector<Row> m_rows;
