@@ -1,8 +1,10 @@
 #include "ArrayServer.h"
 
 #include "Array.h"
+#include "ControlPort.h"
 #include "Files.h"
-#include "HttpsServer.h"
+#include "HttpServer.h"
+#include "Link.h"
 #include "Mapping.h"
 #include "RequestPipeline.h"
 #include "Text.h"
@@ -12,9 +14,41 @@
 
 namespace brevan::sim {
 
+namespace {
+
+constexpr const char* kLoopback = "127.0.0.1";
+
+/// What clients talk to: the array at the end of its link.
+class ClientPort : public HttpService {
+public:
+    ClientPort(RequestPipeline& pipeline, Link& link) : m_pipeline(pipeline), m_link(link) {}
+
+    WireReply answer(const WireRequest& request) override
+    {
+        WireReply reply = m_pipeline.handle(request);
+        reply.delivery.wait += m_link.carry(reply.body.size(), Link::Clock::now());
+        return reply;
+    }
+    WireReply refuse(const Refusal& refusal) override { return m_pipeline.refuse(refusal); }
+
+private:
+    RequestPipeline& m_pipeline;
+    Link& m_link;
+};
+
+}  // namespace
+
 class ArrayServer::Implementation {
 public:
-    explicit Implementation(ServerOptions options) : array(std::move(options)), pipeline(array) { furnish(array); }
+    explicit Implementation(ServerOptions options)
+        : array(std::move(options)), pipeline(array), client(pipeline, link), control(pipeline, link)
+    {
+        link.set({array.options.latency, array.options.bandwidth});
+        if (!array.options.journalFile.empty()) {
+            pipeline.journal().writeTo(array.options.journalFile);
+        }
+        furnish(array);
+    }
 
     ~Implementation()
     {
@@ -43,6 +77,7 @@ public:
 
     void stop()
     {
+        controlServer.reset();
         server.reset();
         if (!ownDirectory.empty()) {
             std::error_code ignored;
@@ -69,8 +104,12 @@ public:
 
     Array array;
     RequestPipeline pipeline;
+    Link link;
+    ClientPort client;
+    ControlPort control;
     std::string caFile;
     std::uint16_t port = 0;
+    std::uint16_t controlPort = 0;
 
 private:
     void startServer()
@@ -85,8 +124,11 @@ private:
         }
         caFile = array.options.caFile.empty() ? ownDirectory + "/ca.pem" : array.options.caFile;
         writeFileAtomically(caFile, identity.caCertificate);
-        server = std::make_unique<HttpsServer>(identity, array.options.threads,
-                                               [this](const WireRequest& request) { return pipeline.handle(request); });
+        if (array.options.controlPort) {
+            controlServer = std::make_unique<HttpServer>(control, HttpLimits(), 1, std::nullopt);
+            controlPort = controlServer->start(kLoopback, *array.options.controlPort);
+        }
+        server = std::make_unique<HttpServer>(client, array.options.limits, array.options.threads, identity);
         port = server->start(array.options.address, array.options.port);
     }
 
@@ -99,7 +141,8 @@ private:
         }
     }
 
-    std::unique_ptr<HttpsServer> server;
+    std::unique_ptr<HttpServer> server;
+    std::unique_ptr<HttpServer> controlServer;
     std::string ownDirectory;
     bool started = false;
     bool stopped = false;
@@ -127,6 +170,11 @@ std::string ArrayServer::address() const
 std::uint16_t ArrayServer::port() const
 {
     return m_implementation->port;
+}
+
+std::uint16_t ArrayServer::controlPort() const
+{
+    return m_implementation->controlPort;
 }
 
 std::string ArrayServer::caFile() const
@@ -214,12 +262,32 @@ void ArrayServer::failNext(const std::string& operation, int code, const std::st
     if (!m_implementation->pipeline.router().hasOperation(operation)) {
         throw std::invalid_argument("the array has no operation " + inQuotes(operation));
     }
-    m_implementation->pipeline.faults().add(operation, {code, text});
+    m_implementation->pipeline.faults().add({{operation, {{FaultKind::kError, code, text}}}});
+}
+
+void ArrayServer::addFaults(const std::string& script)
+{
+    m_implementation->pipeline.faults().add(readFaultScript(script, m_implementation->pipeline.router()));
 }
 
 std::size_t ArrayServer::faultsLeft() const
 {
     return m_implementation->pipeline.faults().left();
+}
+
+FaultReport ArrayServer::faultReport() const
+{
+    return m_implementation->pipeline.faults().report();
+}
+
+void ArrayServer::clearFaults()
+{
+    m_implementation->pipeline.faults().clear();
+}
+
+void ArrayServer::setLink(std::chrono::microseconds latency, std::uint64_t bytesPerSecond)
+{
+    m_implementation->link.set({latency, bytesPerSecond});
 }
 
 }  // namespace brevan::sim

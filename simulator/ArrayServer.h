@@ -2,10 +2,12 @@
 #define BREVAN_SIMULATOR_ARRAYSERVER_H
 
 #include "ExposureDriver.h"
+#include "FaultReport.h"
 #include "Journal.h"
 #include "ServerOptions.h"
 #include "Wire.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -35,6 +37,7 @@ public:
     /// Valid from start() on.
     std::string address() const;
     std::uint16_t port() const;
+    std::uint16_t controlPort() const;  ///< 0: off
     std::string caFile() const;
     std::string deviceId() const;
 
@@ -65,8 +68,16 @@ public:
     /// operation are used in their order, each once. `operation`: method and path, such as "POST /lungroup" or "GET
     /// /lun/{id}"; one that the array does not have is a std::invalid_argument.
     void failNext(const std::string& operation, int code, const std::string& text = "Asked for by the test.");
+    /// Faults of all kinds, as text: {"operation": "POST /lungroup", "do": ["stall 2s", "reset after", "pass"]}, or a list of
+    /// these; docs/simulator.md lists the kinds. A script that does not do is a std::invalid_argument, and nothing of it is kept.
+    void addFaults(const std::string& script);
     /// How many of these have not been used.
     std::size_t faultsLeft() const;
+    FaultReport faultReport() const;
+    void clearFaults();
+
+    /// Every answer over the network takes so much longer, and all together so many bytes a second; 0: unlimited.
+    void setLink(std::chrono::microseconds latency, std::uint64_t bytesPerSecond = 0);
 
 private:
     class Implementation;

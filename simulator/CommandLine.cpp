@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "Amounts.h"
 #include "Files.h"
 #include "Text.h"
 
@@ -26,6 +27,9 @@ struct Flags {
     ProgramOptions options;
     std::string passwordFile;
     std::vector<std::string> pools;
+    std::string latency;
+    std::string bandwidth;
+    std::string connectionIdle;
 };
 
 PoolOption poolOption(const std::string& text)
@@ -115,6 +119,58 @@ void addExposureFlags(CLI::App& app, Flags& flags)
         ->type_name("DIR");
 }
 
+void addTestFlags(CLI::App& app, Flags& flags)
+{
+    ServerOptions& server = flags.options.server;
+    app.add_option("--control-port", server.controlPort,
+                   "Port on 127.0.0.1 for faults, journal, link and chain over plain HTTP; 0: one that the system chooses")
+        ->type_name("PORT");
+    app.add_option("--latency", flags.latency, "Added to every answer, such as 5ms")->type_name("TIME");
+    app.add_option("--bandwidth", flags.bandwidth, "What all answers share, such as 1MB/s")->type_name("RATE");
+    app.add_option("--journal", server.journalFile, "File to which every request is added, a line of JSON each")
+        ->type_name("FILE");
+    app.add_option("--journal-entries", server.journalEntries, "So many requests are remembered for the control port")
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000000).description(""))
+        ->capture_default_str();
+    app.add_option("--max-connections", server.limits.connections, "Further connections are answered 503")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100000).description(""))
+        ->capture_default_str();
+    app.add_option("--connection-idle", flags.connectionIdle, "A silent connection is closed after this time (default 2min)")
+        ->type_name("TIME");
+}
+
+/// Puts the text's value into `target`; without a text it stays as it is.
+template <typename Target, typename Read>
+void setAmount(Target& target, const std::string& flag, const std::string& text, Read read, const char* wanted)
+{
+    if (text.empty()) {
+        return;
+    }
+    const auto value = read(text);
+    if (!value) {
+        throw CLI::ValidationError(flag, inQuotes(text) + " is not " + wanted);
+    }
+    target = std::chrono::duration_cast<Target>(*value);
+}
+
+void readAmounts(Flags& flags)
+{
+    constexpr const char* kTime = "a time of at most an hour, such as 5ms or 2s";
+    ServerOptions& server = flags.options.server;
+    setAmount(server.latency, "--latency", flags.latency, readDuration, kTime);
+    setAmount(server.limits.idle, "--connection-idle", flags.connectionIdle, readDuration, kTime);
+    if (server.limits.idle.count() == 0) {
+        throw CLI::ValidationError("--connection-idle", "must be at least 1ms");
+    }
+    const std::optional<std::uint64_t> rate = readRate(flags.bandwidth.empty() ? "unlimited" : flags.bandwidth);
+    if (!rate) {
+        throw CLI::ValidationError("--bandwidth", inQuotes(flags.bandwidth) + " is not a rate such as 500kB/s or 1MB/s");
+    }
+    server.bandwidth = *rate;
+}
+
 void requireDirectory(bool needed, const std::string& directory, const char* flag)
 {
     if (needed && directory.empty()) {
@@ -125,6 +181,7 @@ void requireDirectory(bool needed, const std::string& directory, const char* fla
 ProgramOptions checked(Flags flags)
 {
     ServerOptions& server = flags.options.server;
+    readAmounts(flags);
     requireDirectory(server.exposure == Exposure::kLio, server.volumeDirectory, "--volume-directory");
     requireDirectory(server.exposure == Exposure::kTree, server.treeDirectory, "--tree-directory");
     if (!flags.pools.empty()) {
@@ -151,6 +208,7 @@ std::optional<ProgramOptions> readCommandLine(int argc, const char* const* argv,
     addNetworkFlags(app, flags);
     addArrayFlags(app, flags);
     addExposureFlags(app, flags);
+    addTestFlags(app, flags);
     try {
         app.parse(argc, argv);
         return checked(std::move(flags));

@@ -23,6 +23,7 @@ enum ErrorCode : int {
     kMissingParameter = 1077970007,
     kUnknownDevice = 1077970008,
     kTooManyRecords = 1077970009,
+    kOverloaded = 1077970010,
 
     kLoginRefused = 1077970020,
     kTooManySessions = 1077970021,

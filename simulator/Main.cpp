@@ -2,11 +2,13 @@
 #include "CommandLine.h"
 #include "Files.h"
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <mutex>
 
 #include <pthread.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -40,9 +42,21 @@ void logTo(std::ostream& stream, ServerOptions& options)
     };
 }
 
+/// Each connection takes a descriptor, and many systems begin with 1024 of them.
+void allowDescriptors(unsigned connections)
+{
+    constexpr rlim_t kOthers = 256;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < connections + kOthers) {
+        limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, connections + kOthers);
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
 int serve(ProgramOptions options)
 {
     sigset_t signals = blockedEndSignals();
+    allowDescriptors(options.server.limits.connections);
     if (options.logRequests) {
         logTo(std::cout, options.server);
     }
@@ -50,6 +64,9 @@ int serve(ProgramOptions options)
     server.start();
     if (!options.portFile.empty()) {
         writeFileAtomically(options.portFile, std::to_string(server.port()) + "\n");
+    }
+    if (server.controlPort() != 0) {
+        std::cout << "control port http://127.0.0.1:" << server.controlPort() << "\n";
     }
     std::cout << "certificate authority " << server.caFile() << "\nlistening on " << url(server) << std::endl;
     int signal = 0;

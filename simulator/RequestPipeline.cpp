@@ -1,6 +1,7 @@
 #include "RequestPipeline.h"
 
 #include "ApiError.h"
+#include "JournalText.h"
 #include "Mapping.h"
 #include "Objects.h"
 #include "Text.h"
@@ -67,10 +68,15 @@ WireReply wireReply(unsigned status, const Answer& answer)
     return {status, body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace), {}};
 }
 
-std::string logLine(const JournalEntry& entry, std::chrono::steady_clock::duration duration)
+std::string logLine(const JournalEntry& entry)
 {
-    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(duration).count();
-    return entry.method + " " + entry.path + " -> " + std::to_string(entry.code) + " (" + std::to_string(micros) + " us)";
+    return entry.method + " " + entry.path + " -> " + std::to_string(entry.code) + " (" +
+           std::to_string(entry.duration.count()) + " us)" + (entry.fault.empty() ? "" : " fault: " + entry.fault);
+}
+
+ApiError noSession()
+{
+    return {kNoSession, "The session is unknown or has expired: log in again."};
 }
 
 /// What the client wrote into a log line must not begin a line of its own.
@@ -91,35 +97,69 @@ WireReply errorReply(unsigned status, int code, const std::string& text)
     return wireReply(status, {code, text, nlohmann::json::object()});
 }
 
-RequestPipeline::RequestPipeline(Array& array) : m_array(array), m_router(allRoutes()) {}
+RequestPipeline::RequestPipeline(Array& array)
+    : m_array(array), m_router(allRoutes()), m_journal(array.options.journalEntries)
+{
+}
 
 WireReply RequestPipeline::handle(const WireRequest& request)
 {
-    const auto begin = std::chrono::steady_clock::now();
-    JournalEntry entry;
-    entry.method = request.method;
-    std::vector<std::pair<std::string, std::string>> headers;
+    const auto started = std::chrono::steady_clock::now();
+    Passage passage = begin(request.connection);
+    passage.entry.method = request.method;
+    passage.entry.body = maskedBody(request.body);
     Answer result;
     try {
-        result = answer(request, entry, headers);
+        result = answer(request, passage);
     } catch (const ApiError& error) {
         result = {error.code(), error.what(), nlohmann::json::object()};
     } catch (const std::exception& error) {
         result = {kInternal, std::string("The array could not do it: ") + error.what(), nlohmann::json::object()};
     }
-    entry.code = result.code;
-    if (m_array.options.requestLog) {
-        m_array.options.requestLog(oneLine(logLine(entry, std::chrono::steady_clock::now() - begin)));
-    }
-    m_journal.add(entry);
+    passage.entry.code = result.code;
     WireReply reply = wireReply(result.code == kUnknownOperation ? 404 : 200, result);
-    reply.headers = std::move(headers);
+    reply.headers = std::move(passage.headers);
+    if (passage.fault) {
+        reply = spoiled(std::move(reply), *passage.fault);
+    }
+    end(passage, reply, started);
     return reply;
 }
 
-Answer RequestPipeline::answer(const WireRequest& request, JournalEntry& entry,
-                               std::vector<std::pair<std::string, std::string>>& headers)
+WireReply RequestPipeline::refuse(const Refusal& refusal)
 {
+    const auto started = std::chrono::steady_clock::now();
+    constexpr unsigned kUnavailable = 503;
+    Passage passage = begin(refusal.connection);
+    passage.entry.code = refusal.status == kUnavailable ? kOverloaded : kBadHttp;
+    WireReply reply = errorReply(refusal.status, passage.entry.code, refusal.text);
+    end(passage, reply, started);
+    return reply;
+}
+
+RequestPipeline::Passage RequestPipeline::begin(std::uint64_t connection)
+{
+    Passage passage;
+    passage.entry.number = m_journal.arrive();
+    passage.entry.time = std::chrono::system_clock::now();
+    passage.entry.connection = connection;
+    return passage;
+}
+
+void RequestPipeline::end(Passage& passage, const WireReply& reply, std::chrono::steady_clock::time_point begin)
+{
+    JournalEntry& entry = passage.entry;
+    entry.status = reply.status;
+    entry.duration = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+    if (m_array.options.requestLog) {
+        m_array.options.requestLog(oneLine(logLine(entry)));
+    }
+    m_journal.add(std::move(entry));
+}
+
+Answer RequestPipeline::answer(const WireRequest& request, Passage& passage)
+{
+    JournalEntry& entry = passage.entry;
     const Target target = parseTarget(request.target);
     entry.path = target.path.empty() ? request.target : journalPath(target);
     const RouteMatch match = m_router.find(request.method, target.path);
@@ -127,27 +167,41 @@ Answer RequestPipeline::answer(const WireRequest& request, JournalEntry& entry,
         throw ApiError(kUnknownOperation, "The array has no operation " + request.method + " " + inQuotes(entry.path) + ".");
     }
     entry.operation = match.route->operation();
-    if (const std::optional<Fault> fault = m_faults.take(entry.operation)) {
-        throw ApiError(fault->code, fault->text);
-    }
+    passage.fault = m_faults.take(entry.operation, entry.number);
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (match.route->needsSession) {
-        checkSession(request);
+    const SessionStore::Session* session = m_array.sessions.find(request.token, request.cookie);
+    entry.session = session == nullptr ? 0 : session->number;
+    if (passage.fault) {
+        entry.fault = faultText(*passage.fault);
+        if (happensInstead(passage.fault->kind)) {
+            return faultInstead(request, *passage.fault);
+        }
+    }
+    if (match.route->needsSession && session == nullptr) {
+        throw noSession();
     }
     if (target.device != m_array.options.deviceId && (match.route->needsSession || target.device != kAnyDevice)) {
         throw ApiError(kUnknownDevice, "The device " + inQuotes(target.device) + " is not this array.");
     }
-    RequestContext context{m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id, {}, false, {}, 0};
+    RequestContext context{m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id,
+                           {},      false,   {},                         entry.session};
     Answer result = run(match.route->handler, context);
-    headers = std::move(context.replyHeaders);
+    entry.session = context.session;
+    passage.headers = std::move(context.replyHeaders);
     return result;
 }
 
-void RequestPipeline::checkSession(const WireRequest& request)
+/// What the client gets to see of an HTTP status or a reset, no answer of the array knows.
+Answer RequestPipeline::faultInstead(const WireRequest& request, const Fault& fault)
 {
-    if (m_array.sessions.find(request.token, request.cookie) == nullptr) {
-        throw ApiError(kNoSession, "The session is unknown or has expired: log in again.");
+    if (fault.kind == FaultKind::kError) {
+        throw ApiError(static_cast<int>(fault.amount), fault.text);
     }
+    if (fault.kind == FaultKind::kSessionGone) {
+        m_array.sessions.close(request.token, request.cookie);
+        throw noSession();
+    }
+    return {};
 }
 
 Answer RequestPipeline::run(const Handler& handler, RequestContext& context)

@@ -2,6 +2,7 @@
 #define BREVAN_SIMULATOR_REQUESTPIPELINE_H
 
 #include "FaultScript.h"
+#include "HttpService.h"
 #include "Journal.h"
 #include "Router.h"
 
@@ -20,6 +21,9 @@ public:
     /// Never throws: what goes wrong is an error reply.
     WireReply handle(const WireRequest& request);
 
+    /// The reply to what is no request, and its place in the journal.
+    WireReply refuse(const Refusal& refusal);
+
     /// Runs `work` as an operation runs: alone, in a transaction, and what it maps is exposed. Exceptions undo it and pass.
     void perform(const std::function<void(RequestContext&)>& work);
 
@@ -34,11 +38,18 @@ public:
     const Router& router() const;
 
 private:
-    Answer answer(const WireRequest& request, JournalEntry& entry,
-                  std::vector<std::pair<std::string, std::string>>& headers);
+    /// What is known of a request on its way.
+    struct Passage {
+        JournalEntry entry;
+        std::vector<std::pair<std::string, std::string>> headers;
+        std::optional<Fault> fault;
+    };
+    Passage begin(std::uint64_t connection);
+    void end(Passage& passage, const WireReply& reply, std::chrono::steady_clock::time_point begin);
+    Answer answer(const WireRequest& request, Passage& passage);
+    Answer faultInstead(const WireRequest& request, const Fault& fault);
     Answer run(const Handler& handler, RequestContext& context);
     void followExposure(Database& database);
-    void checkSession(const WireRequest& request);
 
     std::mutex m_mutex;
     Array& m_array;

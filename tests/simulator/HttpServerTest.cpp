@@ -1,4 +1,4 @@
-#include "simulator/HttpsServer.h"
+#include "simulator/HttpServer.h"
 
 #include "ArrayClient.h"
 #include "HttpsClient.h"
@@ -19,7 +19,7 @@ using namespace brevan::sim::test;
 
 namespace {
 
-class HttpsServerTest : public ::testing::Test {
+class HttpServerTest : public ::testing::Test {
 protected:
     std::string url(const std::string& host = "127.0.0.1") const
     {
@@ -51,7 +51,7 @@ int codeOf(const HttpsReply& reply)
 
 }  // namespace
 
-TEST_F(HttpsServerTest, ServesASessionWithALunOnOneConnection)
+TEST_F(HttpServerTest, ServesASessionWithALunOnOneConnection)
 {
     const HttpsReply login = logIn(m_client);
     ASSERT_EQ(login.result, CURLE_OK);
@@ -70,7 +70,7 @@ TEST_F(HttpsServerTest, ServesASessionWithALunOnOneConnection)
     EXPECT_EQ(codeOf(m_client.send("GET", device + "/lun")), kNoSession);
 }
 
-TEST_F(HttpsServerTest, IsVerifiedByEveryNameOfItsCertificate)
+TEST_F(HttpServerTest, IsVerifiedByEveryNameOfItsCertificate)
 {
     EXPECT_EQ(logIn(m_client).result, CURLE_OK);
     HttpsClient byName(url("localhost"), m_server.caFile());
@@ -86,7 +86,7 @@ TEST_F(HttpsServerTest, IsVerifiedByEveryNameOfItsCertificate)
     curl_slist_free_all(names);
 }
 
-TEST_F(HttpsServerTest, IsNotTrustedThroughAnotherAuthority)
+TEST_F(HttpServerTest, IsNotTrustedThroughAnotherAuthority)
 {
     ArrayServer other(testOptions());
     other.start();
@@ -94,7 +94,7 @@ TEST_F(HttpsServerTest, IsNotTrustedThroughAnotherAuthority)
     EXPECT_EQ(logIn(client).result, CURLE_PEER_FAILED_VERIFICATION);
 }
 
-TEST_F(HttpsServerTest, RefusesOldVersionsOfTls)
+TEST_F(HttpServerTest, RefusesOldVersionsOfTls)
 {
     constexpr long kOldest = CURL_SSLVERSION_TLSv1_0;
     constexpr long kNewest = 5L << 16;  // CURL_SSLVERSION_MAX_TLSv1_1, which is no value of the enumeration that it is in
@@ -102,7 +102,7 @@ TEST_F(HttpsServerTest, RefusesOldVersionsOfTls)
     EXPECT_EQ(logIn(m_client).result, CURLE_SSL_CONNECT_ERROR);
 }
 
-TEST_F(HttpsServerTest, BoundsBodiesAndHeaders)
+TEST_F(HttpServerTest, BoundsBodiesAndHeaders)
 {
     const HttpsReply body =
         m_client.send("POST", "/deviceManager/rest/xxxx/sessions", std::string(2000000, 'x'), {"Expect:"});
@@ -113,14 +113,14 @@ TEST_F(HttpsServerTest, BoundsBodiesAndHeaders)
     EXPECT_EQ(codeOf(header), kBadHttp);
 }
 
-TEST_F(HttpsServerTest, AnswersPathsOutsideTheInterface)
+TEST_F(HttpServerTest, AnswersPathsOutsideTheInterface)
 {
     const HttpsReply reply = m_client.send("GET", "/index.html");
     EXPECT_EQ(reply.status, 404);
     EXPECT_EQ(codeOf(reply), kUnknownOperation);
 }
 
-TEST_F(HttpsServerTest, ServesManyConnectionsAtOnceOnFewThreads)
+TEST_F(HttpServerTest, ServesManyConnectionsAtOnceOnFewThreads)
 {
     std::atomic<int> answered{0};
     std::vector<std::thread> threads;
@@ -139,7 +139,7 @@ TEST_F(HttpsServerTest, ServesManyConnectionsAtOnceOnFewThreads)
     EXPECT_EQ(m_server.requestCount(), 160u);
 }
 
-TEST_F(HttpsServerTest, IsNotHeldUpByClientsThatSayNothing)
+TEST_F(HttpServerTest, IsNotHeldUpByClientsThatSayNothing)
 {
     std::vector<int> silent;
     sockaddr_in address{};
@@ -156,7 +156,7 @@ TEST_F(HttpsServerTest, IsNotHeldUpByClientsThatSayNothing)
     }
 }
 
-TEST(HttpsServer, ListensOnIpv6)
+TEST(HttpServer, ListensOnIpv6)
 {
     ServerOptions options = testOptions();
     options.address = "::1";
@@ -170,7 +170,7 @@ TEST(HttpsServer, ListensOnIpv6)
     EXPECT_EQ(client.send("GET", "/nosuch").status, 404);
 }
 
-TEST(HttpsServer, StopsWhileConnectionsAreOpen)
+TEST(HttpServer, StopsWhileConnectionsAreOpen)
 {
     ArrayServer server(testOptions());
     server.start();
