@@ -1,29 +1,25 @@
 #include "Array.h"
 
+#include "Files.h"
+#include "Identity.h"
+#include "Inventory.h"
 #include "LioDriver.h"
 #include "Ports.h"
-#include "Secrets.h"
 #include "Text.h"
 #include "TreeDriver.h"
 
-#include <cstdio>
 #include <stdexcept>
 
 namespace brevan::sim {
 
 namespace {
 
-// Digits 2 to 7 of every WWN. The second bit of the first byte says "locally administered": it is no company's.
-constexpr const char* kCompanyId = "02b7e4";
-constexpr std::size_t kArrayDigits = 9;
+constexpr const char* kInMemory = ":memory:";
 constexpr std::int64_t kSectorsPerGib = 2097152;
 constexpr std::uint64_t kLargestPoolGib = 1024 * 1024 * 64;
 
 void checkOptions(const ServerOptions& options)
 {
-    if (options.deviceId.empty() || options.deviceId.size() > 64 || !consistsOf(options.deviceId, "-_")) {
-        throw std::invalid_argument("the device ID must be 1 to 64 letters, digits, \"-\" and \"_\"");
-    }
     if (!isAddress(options.address)) {
         throw std::invalid_argument(inQuotes(options.address) + " is not an IPv4 or IPv6 address");
     }
@@ -43,7 +39,7 @@ std::unique_ptr<ExposureDriver> makeDriver(const ServerOptions& options)
     switch (options.exposure) {
         case Exposure::kLio: {
             LioOptions lio{options.lioRoot,         targetName(options),         options.lioPortal,
-                           options.volumeDirectory, wwnPrefix(options.deviceId), options.database != ":memory:"};
+                           options.volumeDirectory, wwnPrefix(options.deviceId), options.database != kInMemory};
             return std::make_unique<LioDriver>(lio, std::make_unique<ConfigTree>());
         }
         case Exposure::kTree:
@@ -58,17 +54,21 @@ std::unique_ptr<ExposureDriver> makeDriver(const ServerOptions& options)
 
 Array::Array(ServerOptions arrayOptions)
     : options((checkOptions(arrayOptions), std::move(arrayOptions))),
+      lock(options.database == kInMemory ? std::nullopt : std::make_optional<FileLock>(options.database)),
       database(options.database),
-      sessions(options.maxSessions, options.sessionIdle, options.now),
-      exposure(makeDriver(options))
+      sessions(options.maxSessions, options.sessionIdle, options.now)
 {
+    // Where anything is wrong, the database stays as it was.
+    Transaction transaction(database);
+    furnish(*this);
+    exposure = makeDriver(options);
+    transaction.commit();
 }
 
 std::string addPool(Array& array, const PoolOption& pool)
 {
     const auto id = decimal(pool.id);
-    if (!id || std::to_string(*id) != pool.id || *id > 999999999 || pool.name.empty() || pool.name.size() > 31 ||
-        !consistsOf(pool.name, "_-.")) {
+    if (!id || std::to_string(*id) != pool.id || *id > 999999999 || !isObjectName(pool.name)) {
         throw std::invalid_argument(
             "a storage pool needs a number as its ID and a name of 1 to 31 letters, digits, \"_\", \"-\" and \".\"");
     }
@@ -92,31 +92,51 @@ void addFreeInitiator(Array& array, const std::string& name)
     array.database.execute("INSERT OR IGNORE INTO iscsi_initiator (id, name) VALUES (?, '')", {name});
 }
 
+namespace {
+
+/// A new array: as the seed says, or as arrays are delivered.
+void establish(Array& array)
+{
+    const ServerOptions& options = array.options;
+    if (!options.seed.empty()) {
+        loadInventoryFile(array.database, options.seed, options.deviceId);
+        return;
+    }
+    setIdentity(array.database, options.deviceId.empty() ? kUsualDeviceId : options.deviceId);
+    for (const PoolOption& pool : options.pools) {
+        addPool(array, pool);
+    }
+}
+
+}  // namespace
+
 void furnish(Array& array)
 {
-    Transaction transaction(array.database);
-    if (!array.database.exists("SELECT 1 FROM pool", {})) {
-        for (const PoolOption& pool : array.options.pools) {
-            addPool(array, pool);
-        }
+    const std::string known = identityOf(array.database);
+    std::string& wanted = array.options.deviceId;
+    if (!known.empty() && !array.options.seed.empty()) {
+        throw std::invalid_argument(array.options.database +
+                                    " has an array already: start without a seed, or with another database file");
+    }
+    if (!known.empty() && !wanted.empty() && wanted != known) {
+        throw std::invalid_argument(array.options.database + " is the database of the array " + inQuotes(known) +
+                                    ", not of " + inQuotes(wanted));
+    }
+    if (known.empty()) {
+        establish(array);
+    }
+    wanted = identityOf(array.database);
+    if (known.empty() && array.options.seed.empty()) {
         addFactoryPorts(array);
     }
     for (const std::string& initiator : array.options.iscsiInitiators) {
         addFreeInitiator(array, initiator);
     }
-    transaction.commit();
-}
-
-std::string wwnPrefix(const std::string& deviceId)
-{
-    return std::string("6") + kCompanyId + sha256(deviceId).substr(0, kArrayDigits);
 }
 
 std::string newWwn(Array& array)
 {
-    char serial[17];
-    std::snprintf(serial, sizeof(serial), "%016llx", static_cast<unsigned long long>(array.database.next("volume")));
-    return wwnPrefix(array.options.deviceId) + serial;
+    return wwnOf(wwnPrefix(array.options.deviceId), array.database.next("volume"));
 }
 
 }  // namespace brevan::sim

@@ -3,10 +3,13 @@
 
 #include "Database.h"
 #include "ExposureDriver.h"
+#include "Files.h"
+#include "Identity.h"
 #include "ServerOptions.h"
 #include "SessionStore.h"
 
 #include <memory>
+#include <optional>
 
 namespace brevan::sim {
 
@@ -15,6 +18,7 @@ struct Array {
     explicit Array(ServerOptions arrayOptions);
 
     ServerOptions options;
+    std::optional<FileLock> lock;  ///< on the database's file
     Database database;
     SessionStore sessions;
     std::unique_ptr<ExposureDriver> exposure;
@@ -24,14 +28,13 @@ struct Array {
 std::string addPool(Array& array, const PoolOption& pool);
 void addFreeInitiator(Array& array, const std::string& name);
 
-/// Gives a new array the pools and ports that it is delivered with, and any array the initiators of its options.
+/// Gives a new array what its seed says, or else the pools and ports that arrays are delivered with, and any array the
+/// initiators of its options. Its device ID is then the database's own. What does not fit is a std::invalid_argument; it is
+/// for the caller's transaction to undo what was done before it.
 void furnish(Array& array);
 
 /// A 32-digit name for a new volume: an NAA type 6 designator that no other volume of this array ever had.
 std::string newWwn(Array& array);
-
-/// With what all WWNs of an array begin.
-std::string wwnPrefix(const std::string& deviceId);
 
 }  // namespace brevan::sim
 

@@ -47,7 +47,6 @@ public:
         if (!array.options.journalFile.empty()) {
             pipeline.journal().writeTo(array.options.journalFile);
         }
-        furnish(array);
     }
 
     ~Implementation()

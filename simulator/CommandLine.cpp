@@ -30,6 +30,8 @@ struct Flags {
     std::string latency;
     std::string bandwidth;
     std::string connectionIdle;
+    bool dump = false;
+    bool chain = false;
 };
 
 PoolOption poolOption(const std::string& text)
@@ -80,9 +82,9 @@ void addArrayFlags(CLI::App& app, Flags& flags)
     app.add_option("--password-file", flags.passwordFile,
                    "File whose first line is the password; without this flag, the environment variable BREVAN_SIM_PASSWORD")
         ->type_name("FILE");
-    app.add_option("--device-id", server.deviceId, "The array's device ID; all WWNs derive from it")
-        ->type_name("ID")
-        ->capture_default_str();
+    app.add_option("--device-id", server.deviceId,
+                   "The array's device ID; all WWNs derive from it (default: as database or seed say, else 210000000001)")
+        ->type_name("ID");
     app.add_option("--pool", flags.pools, "A storage pool; may be repeated (default 0:pool0:1024)")
         ->type_name("ID:NAME:GIB")
         ->take_all();
@@ -95,6 +97,25 @@ void addArrayFlags(CLI::App& app, Flags& flags)
         ->type_name("N")
         ->capture_default_str();
     app.add_flag("--log-requests", flags.options.logRequests, "Print a line for each request");
+}
+
+void addStateFlags(CLI::App& app, Flags& flags)
+{
+    static const std::map<std::string, ChainFormat> kFormats{
+        {"text", ChainFormat::kText}, {"json", ChainFormat::kJson}, {"dot", ChainFormat::kDot}};
+    app.add_option("--db", flags.options.server.database,
+                   "File that keeps the array's state; made if it is not there (default: the state lives in memory)")
+        ->type_name("FILE");
+    app.add_option("--seed", flags.options.server.seed, "Inventory file (JSON) with which a new array begins")
+        ->type_name("FILE");
+    app.add_flag("--dump", flags.dump, "Do not serve: write the inventory of --db or --seed as JSON, as --seed reads it");
+    app.add_flag("--chain", flags.chain, "Do not serve: write the mapping chain of --db or --seed: who sees which volume");
+    app.add_option("--format", flags.options.chainFormat, "Form of the chain: text; json; dot, for Graphviz")
+        ->type_name("text|json|dot")
+        ->transform(CLI::CheckedTransformer(kFormats).description(""))
+        ->default_str("text");
+    app.add_option("--output", flags.options.output, "File into which --dump and --chain write (default: standard output)")
+        ->type_name("FILE");
 }
 
 void addExposureFlags(CLI::App& app, Flags& flags)
@@ -178,8 +199,40 @@ void requireDirectory(bool needed, const std::string& directory, const char* fla
     }
 }
 
-ProgramOptions checked(Flags flags)
+void exclude(bool both, const char* first, const char* second)
 {
+    if (both) {
+        throw CLI::ExcludesError(first, second);
+    }
+}
+
+void readTask(const CLI::App& app, Flags& flags)
+{
+    ProgramOptions& options = flags.options;
+    exclude(flags.dump && flags.chain, "--dump", "--chain");
+    exclude(app.count("--seed") != 0 && app.count("--pool") != 0, "--seed", "--pool");
+    options.task = flags.dump ? Task::kDump : flags.chain ? Task::kChain : Task::kServe;
+    const bool offline = options.task != Task::kServe;
+    if (app.count("--format") != 0 && !flags.chain) {
+        throw CLI::RequiresError("--format", "--chain");
+    }
+    if (app.count("--output") != 0 && !offline) {
+        throw CLI::RequiresError("--output", "--dump or --chain");
+    }
+    if (offline && app.count("--db") + app.count("--seed") != 1) {
+        throw CLI::RequiresError(flags.dump ? "--dump" : "--chain", "either --db or --seed");
+    }
+    if (app.count("--db") != 0 && (options.server.database.empty() || options.server.database.front() == ':')) {
+        throw CLI::ValidationError("--db", "a file is wanted");
+    }
+}
+
+ProgramOptions checked(const CLI::App& app, Flags flags)
+{
+    readTask(app, flags);
+    if (flags.options.task != Task::kServe) {
+        return std::move(flags.options);
+    }
     ServerOptions& server = flags.options.server;
     readAmounts(flags);
     requireDirectory(server.exposure == Exposure::kLio, server.volumeDirectory, "--volume-directory");
@@ -207,11 +260,12 @@ std::optional<ProgramOptions> readCommandLine(int argc, const char* const* argv,
     app.set_version_flag("--version", std::string("brevan-array-sim ") + BREVAN_SIMULATOR_VERSION);
     addNetworkFlags(app, flags);
     addArrayFlags(app, flags);
+    addStateFlags(app, flags);
     addExposureFlags(app, flags);
     addTestFlags(app, flags);
     try {
         app.parse(argc, argv);
-        return checked(std::move(flags));
+        return checked(app, std::move(flags));
     } catch (const CLI::Success& end) {
         exitStatus = app.exit(end, output, errors);
     } catch (const std::exception& error) {

@@ -1,6 +1,7 @@
 #ifndef BREVAN_SIMULATOR_COMMANDLINE_H
 #define BREVAN_SIMULATOR_COMMANDLINE_H
 
+#include "Chain.h"
 #include "ServerOptions.h"
 
 #include <optional>
@@ -9,8 +10,14 @@
 
 namespace brevan::sim {
 
+/// What the program is to do: be an array, or write what is in a database or a seed, and end.
+enum class Task { kServe, kDump, kChain };
+
 struct ProgramOptions {
     ServerOptions server;
+    Task task = Task::kServe;
+    std::string output;  ///< of kDump and kChain: a file; empty: standard output
+    ChainFormat chainFormat = ChainFormat::kText;
     std::string portFile;
     bool logRequests = false;
 };

@@ -83,18 +83,30 @@ void Database::Finaliser::operator()(sqlite3_stmt* statement) const
     sqlite3_finalize(statement);
 }
 
-Database::Database(const std::string& path)
+Database::Database(const std::string& path, int flags)
 {
     sqlite3* handle = nullptr;
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-    const int result = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
+    const int result = sqlite3_open_v2(path.c_str(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     m_handle.reset(handle);
     if (result != SQLITE_OK) {
         fail(handle, path);
     }
     sqlite3_busy_timeout(handle, 1000);
+}
+
+Database::Database(const std::string& path) : Database(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)
+{
     script("PRAGMA foreign_keys = ON; PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;");
     openSchema();
+}
+
+std::unique_ptr<Database> Database::existing(const std::string& path)
+{
+    std::unique_ptr<Database> database(new Database(path, SQLITE_OPEN_READONLY));
+    if (database->number("PRAGMA user_version") != kSchemaVersion) {
+        throw std::runtime_error(path + " holds no array of this version of the simulated array");
+    }
+    return database;
 }
 
 Database::~Database() = default;

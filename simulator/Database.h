@@ -40,6 +40,8 @@ class Database {
 public:
     /// `path`: a file, made if it is not there, or ":memory:". A file of another schema is refused.
     explicit Database(const std::string& path);
+    /// A file that holds an array already, also one that an array is running on: for reading only.
+    static std::unique_ptr<Database> existing(const std::string& path);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -67,6 +69,7 @@ private:
     using Handle = std::unique_ptr<sqlite3, Closer>;
     using Prepared = std::unique_ptr<sqlite3_stmt, Finaliser>;
 
+    Database(const std::string& path, int flags);
     sqlite3_stmt* prepare(const std::string& sql);
     void script(const std::string& sql);
     void openSchema();

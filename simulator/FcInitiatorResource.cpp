@@ -6,11 +6,6 @@ namespace brevan::sim {
 
 namespace {
 
-bool isPortName(const std::string& text)
-{
-    return text.size() == 16 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-}
-
 Answer createInitiator(RequestContext& context)
 {
     const std::string id = context.body.requireText("ID");

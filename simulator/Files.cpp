@@ -2,6 +2,11 @@
 
 #include "Secrets.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -31,16 +36,36 @@ std::string readFile(const std::string& path, std::size_t most)
 {
     errno = 0;
     std::ifstream file(path, std::ios::binary);
-    std::string content(most + 1, '\0');
-    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    std::string content;
+    std::string piece(std::min<std::size_t>(most + 1, 1024 * 1024), '\0');
+    while (file && content.size() <= most) {
+        file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        content.append(piece, 0, static_cast<std::size_t>(file.gcount()));
+    }
     if (!file.is_open() || file.bad()) {
         throw std::system_error(errno, std::generic_category(), "cannot read " + path);
     }
-    content.resize(static_cast<std::size_t>(file.gcount()));
     if (content.size() > most) {
         throw std::runtime_error(path + " is larger than " + std::to_string(most) + " bytes");
     }
     return content;
+}
+
+FileLock::FileLock(const std::string& path)
+    : m_descriptor(open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
+{
+    if (m_descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot open " + path + ".lock");
+    }
+    if (flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+        close(m_descriptor);
+        throw std::runtime_error(path + " is in use: another simulated array runs on it");
+    }
+}
+
+FileLock::~FileLock()
+{
+    close(m_descriptor);
 }
 
 std::string makePrivateDirectory()

@@ -1,10 +1,13 @@
 #include "ArrayServer.h"
 #include "CommandLine.h"
+#include "Database.h"
 #include "Files.h"
+#include "Inventory.h"
 
 #include <algorithm>
 #include <csignal>
 #include <iostream>
+#include <memory>
 #include <mutex>
 
 #include <pthread.h>
@@ -53,6 +56,33 @@ void allowDescriptors(unsigned connections)
     }
 }
 
+/// What is in the database or in the seed, without an array that runs.
+std::unique_ptr<Database> stateOf(const ServerOptions& options)
+{
+    if (options.seed.empty()) {
+        return Database::existing(options.database);
+    }
+    auto database = std::make_unique<Database>(":memory:");
+    Transaction transaction(*database);
+    loadInventoryFile(*database, options.seed, options.deviceId);
+    transaction.commit();
+    return database;
+}
+
+int show(const ProgramOptions& options)
+{
+    const std::unique_ptr<Database> database = stateOf(options.server);
+    const Transaction oneMoment(*database);
+    const std::string text =
+        options.task == Task::kDump ? writeInventory(*database) : written(readChain(*database), options.chainFormat);
+    if (!options.output.empty()) {
+        writeFileAtomically(options.output, text);
+    } else if (!(std::cout << text << std::flush)) {
+        throw std::runtime_error("standard output takes no more");
+    }
+    return 0;
+}
+
 int serve(ProgramOptions options)
 {
     sigset_t signals = blockedEndSignals();
@@ -86,7 +116,7 @@ int main(int argc, char** argv)
         return exitStatus;
     }
     try {
-        return serve(*options);
+        return options->task == Task::kServe ? serve(*options) : show(*options);
     } catch (const std::invalid_argument& error) {
         std::cerr << "brevan-array-sim: " << error.what() << " (--help explains all flags)" << std::endl;
         return kUsageError;

@@ -10,7 +10,6 @@ namespace brevan::sim {
 
 namespace {
 
-constexpr std::size_t kLongestName = 31;
 // IDs that clients choose stay far below the largest one, so that the array never runs out of higher ones.
 constexpr std::uint64_t kLargestChosenId = 999999999;
 
@@ -52,9 +51,9 @@ Answer readCount(RequestContext& context, const ResourceKind& kind)
 std::string checkedName(const RequestContext& context)
 {
     const std::string name = context.body.requireText("NAME");
-    if (name.size() > kLongestName || !consistsOf(name, "_-.")) {
-        throw ApiError(kBadName, "The name " + inQuotes(name) + " is not allowed: 1 to " + std::to_string(kLongestName) +
-                                     " letters, digits, \"_\", \"-\" and \".\".");
+    if (!isObjectName(name)) {
+        throw ApiError(kBadName,
+                       "The name " + inQuotes(name) + " is not allowed: 1 to 31 letters, digits, \"_\", \"-\" and \".\".");
     }
     return name;
 }

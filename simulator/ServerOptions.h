@@ -35,11 +35,13 @@ struct ServerOptions {
     /// Sessions age by this clock; tests set it.
     std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
 
-    std::string deviceId = "210000000001";  ///< letters, digits, "-" and "_"; WWNs derive from it
+    /// Letters, digits, "-" and "_"; WWNs derive from it. Empty: as the database or the seed says, else "210000000001".
+    std::string deviceId;
     std::vector<PoolOption> pools{{"0", "pool0", 1024}};
     std::vector<std::string> iscsiInitiators;  ///< free ones that exist from the start
     unsigned settleReads = 0;                  ///< how many reads of a new object answer "not readable yet"
     std::string database = ":memory:";         ///< or a file, which keeps the state
+    std::string seed;                          ///< an inventory file with which a new array begins, instead of `pools`
 
     Exposure exposure = Exposure::kNone;
     std::string lioPortal = "127.0.0.1:3260";

@@ -101,6 +101,16 @@ bool isIscsiName(std::string_view text)
     return known && text.size() > 4 && text.size() <= 223 && consistsOf(text, ".:-_");
 }
 
+bool isObjectName(std::string_view text)
+{
+    return !text.empty() && text.size() <= 31 && consistsOf(text, "_-.");
+}
+
+bool isPortName(std::string_view text)
+{
+    return text.size() == 16 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 bool isAddress(const std::string& text)
 {
     std::array<unsigned char, 16> bytes{};

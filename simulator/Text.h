@@ -30,6 +30,12 @@ bool consistsOf(std::string_view text, std::string_view others);
 /// Whether it is the name of an iSCSI initiator or target that is safe as the name of a file, too.
 bool isIscsiName(std::string_view text);
 
+/// Whether it is a name as the array's own objects have: 1 to 31 letters, digits, "_", "-" and ".".
+bool isObjectName(std::string_view text);
+
+/// Whether it is the name of a Fibre Channel port: 16 hexadecimal digits.
+bool isPortName(std::string_view text);
+
 /// Whether it is an IPv4 or IPv6 literal.
 bool isAddress(const std::string& text);
 

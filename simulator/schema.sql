@@ -1,5 +1,8 @@
 -- Everything that the array knows. What the associations tell (exposed, free, member of a group) is never stored.
 
+-- Whose database this is: one row, once there is an array.
+CREATE TABLE identity (device_id TEXT NOT NULL);
+
 CREATE TABLE counter (name TEXT PRIMARY KEY, next INTEGER NOT NULL) WITHOUT ROWID;
 INSERT INTO counter VALUES ('object', 1), ('volume', 1);
 

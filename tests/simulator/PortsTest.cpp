@@ -44,5 +44,9 @@ TEST(Ports, HavePortNamesOfTheirOwn)
 
 TEST(Ports, NameTheTargetAfterTheDeviceUnlessToldOtherwise)
 {
-    EXPECT_EQ(targetName(testOptions()), "iqn.2020-01.brevan:array-210000000001");
+    ServerOptions options;
+    options.deviceId = "a1";
+    EXPECT_EQ(targetName(options), "iqn.2020-01.brevan:array-a1");
+    options.lioTarget = "iqn.lab:target";
+    EXPECT_EQ(targetName(options), "iqn.lab:target");
 }
