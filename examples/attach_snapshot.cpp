@@ -145,7 +145,7 @@ std::string describe(const std::vector<unsigned char>& block)
 /// The work of the backup. A real one reads the whole disk here.
 std::string readVolume(ArraySession& array, const SnapshotMO& snapshot, Steps& steps)
 {
-    const std::string path = findDisk(array, snapshot);
+    std::string path = findDisk(array, snapshot);
     steps.done("scan", path);
     const Disk disk(path);
     steps.done("read", describe(disk.firstBlock()));

@@ -26,7 +26,7 @@ template <class Read>
 auto readKnown(int status, const std::string& unknown, Read read) -> decltype(read())
 {
     try {
-        const auto record = read();
+        auto record = read();
         if (!record.ID.empty()) {
             return record;
         }

@@ -66,6 +66,7 @@ inline Option flagOption(const char* name, bool& target)
 inline void parseOptions(int argc, char** argv, const char* help, const std::vector<Option>& options)
 {
     std::vector<::option> known;
+    known.reserve(options.size() + 2);
     for (const Option& one : options) {
         known.push_back({one.name, one.isFlag ? no_argument : required_argument, nullptr, 0});
     }

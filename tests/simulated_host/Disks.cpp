@@ -12,8 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kHost = "/run/simulated-host/";
-const std::string kById = "/dev/disk/by-id/";
+constexpr const char* kHost = "/run/simulated-host/";
+constexpr const char* kById = "/dev/disk/by-id/";
 
 std::string read(const std::string& path)
 {
@@ -56,7 +56,7 @@ void replaceAll(std::string& text, const std::string& what, const std::string& w
 
 std::string hostInitiator()
 {
-    std::string name = read(kHost + "initiator");
+    std::string name = read(std::string(kHost) + "initiator");
     return name.substr(0, name.find('\n'));
 }
 
@@ -130,12 +130,24 @@ void Disks::unlink(const std::string& name)
 
 void Disks::answer(const std::string& device, const std::string& text)
 {
-    change(kHost + "disks/" + device, text);
+    change(std::string(kHost) + "disks/" + device, text);
+}
+
+std::vector<std::string> Disks::asked()
+{
+    const std::string path = std::string(kHost) + "asked";
+    std::vector<std::string> names;
+    std::ifstream file(path);
+    for (std::string name; std::getline(file, name);) {
+        names.push_back(name);
+    }
+    fs::remove(path);
+    return names;
 }
 
 void Disks::list(const std::string& line)
 {
-    change(kHost + "lsscsi", line + "\n");
+    change(std::string(kHost) + "lsscsi", line + "\n");
 }
 
 }  // namespace brevan::test

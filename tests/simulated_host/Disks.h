@@ -32,6 +32,8 @@ public:
     void unlink(const std::string& name);
     /// From now on the disk answers this.
     void answer(const std::string& device, const std::string& text);
+    /// The disks that were asked for their page since the last call, in order.
+    static std::vector<std::string> asked();
     /// lsscsi lists one more line.
     void list(const std::string& line);
 

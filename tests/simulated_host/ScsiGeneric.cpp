@@ -7,8 +7,10 @@
 //   host-status 03    the adapter's own status (hexadecimal), such as 03 for a time-out
 //   delay 300         the disk takes so many milliseconds
 //   errno 6           the ioctl itself fails, as for a disk that was removed
+// Each disk that was asked is a line of /run/simulated-host/asked.
 // Needs nothing of the C++ library, so that it can be loaded into any process, also ahead of a sanitizer's runtime.
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <scsi/sg.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -23,6 +25,7 @@
 namespace {
 
 constexpr const char* kFolder = "/run/simulated-host/disks/";
+constexpr const char* kAsked = "/run/simulated-host/asked";
 constexpr const char* kDevices = "/dev/";
 constexpr unsigned char kInquiry = 0x12;         // SPC-5, 6.6
 constexpr unsigned char kIdentification = 0x83;  // SPC-5, 7.7.6
@@ -91,6 +94,15 @@ bool takeLine(Answer& answer, char* line)
     return strncmp(line, "sense ", 6) == 0 ? append(answer.sense, line + 6) : append(answer.page, line);
 }
 
+void noteAsked(const char* device)
+{
+    const int fd = open(kAsked, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    if (fd >= 0) {
+        dprintf(fd, "%s\n", device);
+        close(fd);
+    }
+}
+
 /// What the disk behind a descriptor answers; false where that is no disk of the simulated host.
 bool readAnswer(int fd, Answer& answer)
 {
@@ -115,6 +127,7 @@ bool readAnswer(int fd, Answer& answer)
         }
     }
     fclose(text);
+    noteAsked(device + strlen(kDevices));
     return true;
 }
 

@@ -6,7 +6,7 @@ namespace brevan::test {
 
 std::unique_ptr<sim::ArrayServer> SimulatedHost::array;
 std::unique_ptr<HostClient> SimulatedHost::client;
-LunMO SimulatedHost::lun;
+std::unique_ptr<LunMO> SimulatedHost::lun;
 std::string SimulatedHost::path;
 std::string SimulatedHost::device;
 
@@ -22,9 +22,9 @@ void SimulatedHost::SetUpTestSuite()
     trust(*array);
     client = std::make_unique<HostClient>(hostInitiator());
     ASSERT_EQ(client->login(*array), 1) << lastFailure().text;
-    lun = client->createLun();
+    lun = std::make_unique<LunMO>(client->createLun());
     waitForNewSecond();
-    ASSERT_EQ(client->attach(lun.ID), 0);
+    ASSERT_EQ(client->attach(lun->ID), 0);
     ASSERT_TRUE(lastFailure().empty()) << lastFailure().text;
     path = scan();
     ASSERT_NE(path, "") << lastFailure().text;

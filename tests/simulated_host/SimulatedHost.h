@@ -19,13 +19,13 @@ protected:
 
     static std::unique_ptr<sim::ArrayServer> array;
     static std::unique_ptr<HostClient> client;
-    static LunMO lun;
+    static std::unique_ptr<LunMO> lun;
     static std::string path;    ///< what the scan has found for it
     static std::string device;  ///< the name of that disk
 
     Disks disks;
 
-    static std::string scan() { return client->scan(lun.ID); }
+    static std::string scan() { return client->scan(lun->ID); }
 };
 
 }  // namespace brevan::test

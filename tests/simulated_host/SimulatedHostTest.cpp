@@ -10,8 +10,10 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace brevan::test {
 namespace {
@@ -24,23 +26,23 @@ TEST_F(SimulatedHost, FindsTheDiskOfAnAttachedLun)
     EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
     std::string text;
     std::getline(std::ifstream(path), text);
-    EXPECT_EQ(text, "volume " + lun.WWN.substr(24) + ", first block");
+    EXPECT_EQ(text, "volume " + lun->WWN.substr(24) + ", first block");
 }
 
 TEST_F(SimulatedHost, LosesADetachedDiskAndFindsItAgain)
 {
-    client->detach(lun.ID);
+    client->detach(lun->ID);
     ASSERT_TRUE(lastFailure().empty()) << lastFailure().text;
     EXPECT_EQ(scan(), "");
-    EXPECT_NE(lastFailure().text.find(lun.WWN), std::string::npos) << lastFailure().text;
+    EXPECT_NE(lastFailure().text.find(lun->WWN), std::string::npos) << lastFailure().text;
     waitForNewSecond();
-    ASSERT_EQ(client->attach(lun.ID), 0);
+    ASSERT_EQ(client->attach(lun->ID), 0);
     EXPECT_EQ(scan(), path) << lastFailure().text;
 }
 
 TEST_F(SimulatedHost, TellsASnapshotFromItsLun)
 {
-    const std::string id = array->addSnapshot("nightly", lun.ID);
+    const std::string id = array->addSnapshot("nightly", lun->ID);
     waitForNewSecond();
     ASSERT_EQ(client->attachSnapshot(id), 0);
     ASSERT_TRUE(lastFailure().empty()) << lastFailure().text;
@@ -52,37 +54,37 @@ TEST_F(SimulatedHost, TellsASnapshotFromItsLun)
 
 TEST_F(SimulatedHost, TakesNoDiskByItsNameAlone)
 {
-    disks.add("saa", fixture("naa-first", otherWwn(1)), {"scsi-1" + lun.WWN});
+    disks.add("saa", fixture("naa-first", otherWwn(1)), {"scsi-1" + lun->WWN});
     EXPECT_EQ(scan(), path);
-    disks.unlink("scsi-3" + lun.WWN);
+    disks.unlink("scsi-3" + lun->WWN);
     EXPECT_EQ(scan(), "");
 }
 
 TEST_F(SimulatedHost, TakesNoDiskByItsPageAlone)
 {
-    disks.add("saa", fixture("naa-first", lun.WWN), {"scsi-3" + otherWwn(1)});
+    disks.add("saa", fixture("naa-first", lun->WWN), {"scsi-3" + otherWwn(1)});
     EXPECT_EQ(scan(), path);
-    disks.unlink("scsi-3" + lun.WWN);
+    disks.unlink("scsi-3" + lun->WWN);
     EXPECT_EQ(scan(), "");
 }
 
 TEST_F(SimulatedHost, TakesNoPartition)
 {
-    disks.add("saa1", fixture("naa-first", lun.WWN), {"scsi-3" + lun.WWN + "-part1"});
+    disks.add("saa1", fixture("naa-first", lun->WWN), {"scsi-3" + lun->WWN + "-part1"});
     EXPECT_EQ(scan(), path);
 }
 
 TEST_F(SimulatedHost, PassesALinkThatLeadsNowhere)
 {
-    disks.link("scsi-1" + lun.WWN, "saa");
+    disks.link("scsi-1" + lun->WWN, "saa");
     EXPECT_EQ(scan(), path);
-    disks.link("scsi-3" + lun.WWN, "sab");
+    disks.link("scsi-3" + lun->WWN, "sab");
     EXPECT_EQ(scan(), "");
 }
 
 TEST_F(SimulatedHost, TakesTheFirstOfTwoPathsToOneVolume)
 {
-    disks.add("saa", fixture("naa-first", lun.WWN), {"scsi-1" + lun.WWN});
+    disks.add("saa", fixture("naa-first", lun->WWN), {"scsi-1" + lun->WWN});
     EXPECT_EQ(scan(), "/dev/disk/by-id/../../saa");
 }
 
@@ -99,8 +101,10 @@ TEST_F(SimulatedHost, FindsOneDiskAmongTwoThousand)
         disks.add("sa" + std::to_string(i), fixture("naa-first", wwn), {"scsi-3" + wwn});
     }
     EXPECT_EQ(scan(), path);
-    disks.answer(device, fixture("busy", lun.WWN));
+    disks.answer(device, fixture("busy", lun->WWN));
+    Disks::asked();
     EXPECT_EQ(scan(), "");
+    EXPECT_GE(Disks::asked().size(), 2001U);  // each of them, and those of other tests
 }
 
 TEST_F(SimulatedHost, WaitsWhileATemporaryDeviceIsListed)
@@ -121,11 +125,16 @@ struct OddPage {
     bool isFound;
 };
 
+void PrintTo(const OddPage& page, std::ostream* out)
+{
+    *out << page.name;
+}
+
 class DiskPage : public SimulatedHost, public testing::WithParamInterface<OddPage> {};
 
 TEST_P(DiskPage, LeadsToTheRightDiskOrToNone)
 {
-    disks.answer(device, fixture(GetParam().name, lun.WWN));
+    disks.answer(device, fixture(GetParam().name, lun->WWN));
     EXPECT_EQ(scan(), GetParam().isFound ? path : "");
 }
 
@@ -154,11 +163,13 @@ protected:
 
 TEST_F(Multipath, SearchesAmongDisksOfTheRightNameOnly)
 {
-    disks.add("saa", fixture("naa-first", lun.WWN), {"scsi-3" + otherWwn(1)});
+    disks.add("saa", fixture("naa-first", lun->WWN), {"scsi-3" + otherWwn(1)});
     EXPECT_EQ(scan(), path);  // the rescan tells of the software
-    disks.add("sab", fixture("naa-first", otherWwn(2)), {"scsi-1" + lun.WWN});
+    disks.add("sab", fixture("naa-first", otherWwn(2)), {"scsi-1" + lun->WWN});
+    Disks::asked();
     EXPECT_EQ(scan(), path);
-    disks.answer(device, fixture("busy", lun.WWN));
+    EXPECT_EQ(Disks::asked(), (std::vector<std::string>{"sab", device}));
+    disks.answer(device, fixture("busy", lun->WWN));
     EXPECT_EQ(scan(), "");
 }
 
