@@ -2,7 +2,7 @@
 // than for a single record. Both as a client sees it: over HTTPS, on a connection that is kept alive.
 #include "Measurement.h"
 #include "simulator/ArrayServer.h"
-#include "tests/simulator/HttpsClient.h"
+#include "tests/simulator/HttpsSession.h"
 
 #include <stdexcept>
 #include <string>
@@ -10,6 +10,7 @@
 namespace {
 
 using namespace brevan::sim;
+using brevan::sim::test::HttpsSession;
 using namespace brevan::bench;
 
 constexpr int kLuns = 100000;
@@ -26,40 +27,8 @@ ServerOptions options()
     return options;
 }
 
-/// A client that is logged in.
-class Client {
-public:
-    explicit Client(const ArrayServer& array)
-        : m_base("/deviceManager/rest/" + array.deviceId()),
-          m_https("https://127.0.0.1:" + std::to_string(array.port()), array.caFile())
-    {
-        const auto reply = m_https.send("POST", "/deviceManager/rest/xxxx/sessions",
-                                        R"({"username":"admin","password":"secret","scope":0})");
-        const std::string key = R"("iBaseToken":")";
-        const std::size_t begin = reply.body.find(key) + key.size();
-        m_headers.push_back("iBaseToken: " + reply.body.substr(begin, reply.body.find('"', begin) - begin));
-        const std::size_t cookie = reply.headers.find("session=");
-        m_headers.push_back("Cookie: " + reply.headers.substr(cookie, reply.headers.find(';', cookie) - cookie));
-    }
-
-    std::string get(const std::string& path) { return send("GET", path, ""); }
-    std::string send(const std::string& method, const std::string& path, const std::string& body)
-    {
-        std::string reply = m_https.send(method, m_base + path, body, m_headers).body;
-        if (reply.find(R"("code":0)") == std::string::npos) {
-            throw std::runtime_error(path + " was answered " + reply);
-        }
-        return reply;
-    }
-
-private:
-    std::string m_base;
-    brevan::sim::test::HttpsClient m_https;
-    std::vector<std::string> m_headers;
-};
-
 /// 100,000 LUNs, every hundredth of them in a LUN group.
-void fill(ArrayServer& array, Client& client)
+void fill(ArrayServer& array, HttpsSession& client)
 {
     client.send("POST", "/lungroup/", R"({"NAME":"group"})");
     const std::string group = std::to_string(kGroup);
@@ -82,16 +51,16 @@ std::size_t recordsIn(const std::string& reply)
 }
 
 /// Medians of both, taken in turns so that what else the machine does meets both alike.
-void compare(Client& client, const std::string& name, const std::string& list, const std::string& single)
+void compare(HttpsSession& client, const std::string& name, const std::string& list, const std::string& single)
 {
-    if (recordsIn(client.get(list)) != kRecords || recordsIn(client.get(single)) != 1) {
+    if (recordsIn(client.send("GET", list)) != kRecords || recordsIn(client.send("GET", single)) != 1) {
         throw std::runtime_error("the replies hold other numbers of records than are to be measured");
     }
     std::vector<double> lists;
     std::vector<double> singles;
     for (int round = 0; round < kRounds; ++round) {
-        lists.push_back(microseconds([&] { client.get(list); }));
-        singles.push_back(microseconds([&] { client.get(single); }));
+        lists.push_back(microseconds([&] { client.send("GET", list); }));
+        singles.push_back(microseconds([&] { client.send("GET", single); }));
     }
     report(name, median(lists), median(singles), "us", "<= 3");
 }
@@ -102,7 +71,7 @@ int main()
 {
     ArrayServer array(options());
     array.start();
-    Client client(array);
+    HttpsSession client(std::to_string(array.port()), array.caFile());
     fill(array, client);
     const std::string list =
         "/lun/associate?filter=ALLOCTYPE:1%20and%20ISADD2LUNGROUP:1&TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" +
