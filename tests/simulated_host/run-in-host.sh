@@ -55,4 +55,4 @@ parseArguments "$@"
 command -v bwrap >/dev/null || fail "bwrap is missing; install the package bubblewrap"
 bwrap --unshare-user --ro-bind / / true || fail "bwrap cannot make a user namespace here (sysctl kernel.unprivileged_userns_clone, or the container's settings)"
 describeHost
-exec timeout --foreground -k 5 "$limit" bwrap "${host[@]}" -- "$HERE/host/start.sh" "$fresh" "$build/lib/libsimulated_ioctl.so" "${command[@]}"
+exec timeout --verbose --foreground -k 5 "$limit" bwrap "${host[@]}" -- "$HERE/host/start.sh" "$fresh" "$build/lib/libsimulated_ioctl.so" "${command[@]}"
