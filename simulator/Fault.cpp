@@ -51,7 +51,8 @@ std::int64_t number(const std::string& line, std::string_view text, std::int64_t
 {
     std::int64_t value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() || value < least || value > most) {
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size() || value < least ||
+        value > most) {
         refuse(line, "needs a whole number from " + std::to_string(least) + " to " + std::to_string(most));
     }
     return value;

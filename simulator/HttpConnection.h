@@ -219,6 +219,8 @@ private:
         if (cut) {
             lowest().close();
         } else if (m_refused) {
+            Error ignored;
+            lowest().socket().shutdown(boost::asio::socket_base::shutdown_send, ignored);
             drain(0);
         } else if (m_keepAlive) {
             readHeader();

@@ -17,14 +17,10 @@ WireRequest wireRequest(RequestParser& parser, std::uint64_t connection)
 {
     const auto text = [](const auto& view) { return std::string(view.data(), view.size()); };
     auto& message = parser.get();
-    return {text(message.method_string()),
-            text(message.target()),
-            text(message["iBaseToken"]),
-            text(message[http::field::cookie]),
-            std::move(message.body()),
-            connection,
-            text(message[http::field::host]),
-            text(message[http::field::accept])};
+    return {text(message.method_string()),    text(message.target()),
+            text(message["iBaseToken"]),      text(message[http::field::cookie]),
+            std::move(message.body()),        connection,
+            text(message[http::field::host]), text(message[http::field::accept])};
 }
 
 std::optional<Refusal> refusalOf(const boost::beast::error_code& error, const HttpLimits& limits)
@@ -70,7 +66,7 @@ std::string exchange(HttpService& service, const HttpLimits& limits, std::string
     while (!error && !parser.is_done()) {
         const std::size_t used = parser.put(boost::asio::buffer(bytes.data(), bytes.size()), error);
         bytes.remove_prefix(used);
-        if (!error && used == 0) {
+        if (error == http::error::need_more || (!error && used == 0)) {
             return {};
         }
     }

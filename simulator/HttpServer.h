@@ -15,7 +15,8 @@ namespace brevan::sim {
 class HttpServer {
 public:
     /// Without an identity it speaks plain HTTP. The service must live longer than the server.
-    HttpServer(HttpService& service, const HttpLimits& limits, unsigned threads, const std::optional<ServerIdentity>& identity);
+    HttpServer(HttpService& service, const HttpLimits& limits, unsigned threads,
+               const std::optional<ServerIdentity>& identity);
     ~HttpServer();
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;

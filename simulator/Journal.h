@@ -15,12 +15,12 @@ namespace brevan::sim {
 struct JournalEntry {
     std::uint64_t number = 0;  ///< in the order in which they arrived, from 1
     std::string method;
-    std::string path;       ///< relative to the device, with its query, escapes resolved: "/lun/7"
-    std::string operation;  ///< "GET /lun/{id}"; empty where the array has no such operation
-    int code = 0;           ///< what was answered; 0: done
-    unsigned status = 0;    ///< HTTP status of the answer; 0: none was sent
-    std::string body;       ///< as it arrived; where it holds secrets, written anew with these masked
-    std::string fault;      ///< "stall 2s": what the fault script made of it; empty: nothing
+    std::string path;              ///< relative to the device, with its query, escapes resolved: "/lun/7"
+    std::string operation;         ///< "GET /lun/{id}"; empty where the array has no such operation
+    int code = 0;                  ///< what was answered; 0: done
+    unsigned status = 0;           ///< HTTP status of the answer; 0: none was sent
+    std::string body;              ///< as it arrived; where it holds secrets, written anew with these masked
+    std::string fault;             ///< "stall 2s": what the fault script made of it; empty: nothing
     std::uint64_t session = 0;     ///< a number for each login, from 1; 0: none that the array knows
     std::uint64_t connection = 0;  ///< a number for each connection, from 1; 0: no network
     std::chrono::system_clock::time_point time;

@@ -90,12 +90,11 @@ std::string timeText(std::chrono::system_clock::time_point time)
 
 std::string journalLine(const JournalEntry& entry)
 {
-    const ordered_json line{{"number", entry.number},         {"time", timeText(entry.time)},
-                            {"session", entry.session},       {"connection", entry.connection},
-                            {"method", entry.method},         {"path", entry.path},
-                            {"operation", entry.operation},   {"body", entry.body},
-                            {"code", entry.code},             {"status", entry.status},
-                            {"fault", entry.fault},           {"duration_us", entry.duration.count()}};
+    const ordered_json line{
+        {"number", entry.number},         {"time", timeText(entry.time)}, {"session", entry.session},
+        {"connection", entry.connection}, {"method", entry.method},       {"path", entry.path},
+        {"operation", entry.operation},   {"body", entry.body},           {"code", entry.code},
+        {"status", entry.status},         {"fault", entry.fault},         {"duration_us", entry.duration.count()}};
     // Paths may hold bytes that are no UTF-8.
     return line.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }

@@ -183,8 +183,8 @@ Answer RequestPipeline::answer(const WireRequest& request, Passage& passage)
     if (target.device != m_array.options.deviceId && (match.route->needsSession || target.device != kAnyDevice)) {
         throw ApiError(kUnknownDevice, "The device " + inQuotes(target.device) + " is not this array.");
     }
-    RequestContext context{m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id,
-                           {},      false,   {},                         entry.session};
+    RequestContext context{m_array, request,      RequestQuery(target.query), RequestBody(request.body), match.id, {}, false,
+                           {},      entry.session};
     Answer result = run(match.route->handler, context);
     entry.session = context.session;
     passage.headers = std::move(context.replyHeaders);

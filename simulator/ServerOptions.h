@@ -51,11 +51,11 @@ struct ServerOptions {
     std::string treeDirectory;    ///< of `tree`: one file an initiator
 
     HttpLimits limits;
-    std::chrono::microseconds latency{0};       ///< added to every answer
-    std::uint64_t bandwidth = 0;                ///< bytes a second that all answers share; 0: unlimited
-    std::optional<std::uint16_t> controlPort;   ///< on 127.0.0.1, plain HTTP; 0: one that the system chooses; none: off
-    std::size_t journalEntries = 20000;         ///< so many requests are remembered
-    std::string journalFile;                    ///< empty: none
+    std::chrono::microseconds latency{0};      ///< added to every answer
+    std::uint64_t bandwidth = 0;               ///< bytes a second that all answers share; 0: unlimited
+    std::optional<std::uint16_t> controlPort;  ///< on 127.0.0.1, plain HTTP; 0: one that the system chooses; none: off
+    std::size_t journalEntries = 20000;        ///< so many requests are remembered
+    std::string journalFile;                   ///< empty: none
 
     /// Gets one line a request, without secrets. May be called by several threads at once.
     std::function<void(const std::string&)> requestLog;

@@ -18,15 +18,16 @@ struct WireRequest {
     std::string cookie;  ///< header Cookie
     std::string body;
     std::uint64_t connection = 0;  ///< number of the connection, from 1; 0: no network
-    std::string host{};              ///< header Host
-    std::string accept{};            ///< header Accept
+    std::string host{};            ///< header Host
+    std::string accept{};          ///< header Accept
 };
 
 /// How a reply leaves, where that is not as it should be.
 struct Delivery {
-    std::chrono::microseconds wait{0};    ///< so long after it was made
-    bool reset = false;                   ///< not at all: the connection is reset
-    std::optional<std::size_t> cutAfter;  ///< the connection ends after so many bytes of the body, at the latest before its end
+    std::chrono::microseconds wait{0};  ///< so long after it was made
+    bool reset = false;                 ///< not at all: the connection is reset
+    std::optional<std::size_t>
+        cutAfter;  ///< the connection ends after so many bytes of the body, at the latest before its end
 };
 
 struct WireReply {

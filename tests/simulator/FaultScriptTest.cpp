@@ -116,5 +116,5 @@ TEST(FaultScript, RefusesWhatIsMissingOrOfAnotherType)
                              R"({"operation": "", "do": ["pass"]})", R"({"operation": "GET", "do": ["pass"]})"}) {
         EXPECT_EQ(refusal(text).find("The fault script is refused"), 0u) << text;
     }
-    EXPECT_EQ(refusal(std::string(1000000, '[')).find("The fault script is refused"), 0u);
+    EXPECT_EQ(refusal(std::string(100000, '[')).find("The fault script is refused"), 0u);
 }

@@ -1,7 +1,6 @@
 #include "simulator/HttpServer.h"
 
-#include "ArrayClient.h"
-#include "HttpsClient.h"
+#include "ServedArray.h"
 
 #include "simulator/ErrorCodes.h"
 
@@ -36,18 +35,9 @@ protected:
         made.serverName = "array.lab";
         return made;
     }
-    /// Listens before the client's member is made, which needs the port.
-    struct StartedServer : ArrayServer {
-        StartedServer() : ArrayServer(options()) { start(); }
-    };
-    StartedServer m_server;
+    StartedServer m_server{options()};
     HttpsClient m_client{url(), m_server.caFile()};
 };
-
-int codeOf(const HttpsReply& reply)
-{
-    return Data::parse(reply.body).at("error").at("code").number();
-}
 
 }  // namespace
 

@@ -15,6 +15,7 @@ struct HttpsReply {
     long newConnections = 0;
     std::string headers;
     std::string body;
+    std::string error;  ///< libcurl's own words
 };
 
 /// One connection that stays open, to an array that is verified through its CA file.
@@ -55,7 +56,11 @@ public:
         set(CURLOPT_CUSTOMREQUEST, method.c_str());
         set(CURLOPT_WRITEDATA, &reply.body);
         set(CURLOPT_HEADERDATA, &reply.headers);
+        char error[CURL_ERROR_SIZE] = "";
+        set(CURLOPT_ERRORBUFFER, error);
         reply.result = curl_easy_perform(m_handle.get());
+        set(CURLOPT_ERRORBUFFER, nullptr);
+        reply.error = error;
         curl_easy_getinfo(m_handle.get(), CURLINFO_RESPONSE_CODE, &reply.status);
         curl_easy_getinfo(m_handle.get(), CURLINFO_NUM_CONNECTS, &reply.newConnections);
         return reply;
