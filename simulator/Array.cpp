@@ -56,7 +56,8 @@ Array::Array(ServerOptions arrayOptions)
     : options((checkOptions(arrayOptions), std::move(arrayOptions))),
       lock(options.database == kInMemory ? std::nullopt : std::make_optional<FileLock>(options.database)),
       database(options.database),
-      sessions(options.maxSessions, options.sessionIdle, options.now)
+      sessions(options.maxSessions, options.sessionIdle, options.now),
+      logins(options.lockoutAfter, options.lockoutTime, options.now)
 {
     // Where anything is wrong, the database stays as it was.
     Transaction transaction(database);

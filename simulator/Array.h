@@ -5,6 +5,7 @@
 #include "ExposureDriver.h"
 #include "Files.h"
 #include "Identity.h"
+#include "LoginGuard.h"
 #include "ServerOptions.h"
 #include "SessionStore.h"
 
@@ -21,6 +22,7 @@ struct Array {
     std::optional<FileLock> lock;  ///< on the database's file
     Database database;
     SessionStore sessions;
+    LoginGuard logins;
     std::unique_ptr<ExposureDriver> exposure;
 };
 

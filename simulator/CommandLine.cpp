@@ -27,6 +27,8 @@ struct Flags {
     ProgramOptions options;
     std::string passwordFile;
     std::vector<std::string> pools;
+    std::string sessionIdle;
+    std::string lockoutTime;
     std::string latency;
     std::string bandwidth;
     std::string connectionIdle;
@@ -82,6 +84,18 @@ void addArrayFlags(CLI::App& app, Flags& flags)
     app.add_option("--password-file", flags.passwordFile,
                    "File whose first line is the password; without this flag, the environment variable BREVAN_SIM_PASSWORD")
         ->type_name("FILE");
+    app.add_option("--max-sessions", server.maxSessions, "So many sessions may be open at once")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000).description(""))
+        ->capture_default_str();
+    app.add_option("--session-idle", flags.sessionIdle, "A session that is not used for this time ends (default 20min)")
+        ->type_name("TIME");
+    app.add_option("--lockout-after", server.lockoutAfter,
+                   "So many wrong passwords in a row lock a user name out for a while; 0: never")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--lockout-time", flags.lockoutTime, "How long a user name stays locked out (default 1min)")
+        ->type_name("TIME");
     app.add_option("--device-id", server.deviceId,
                    "The array's device ID; all WWNs derive from it (default: as database or seed say, else 210000000001)")
         ->type_name("ID");
@@ -181,6 +195,8 @@ void readAmounts(Flags& flags)
     constexpr const char* kTime = "a time of at most an hour, such as 5ms or 2s";
     ServerOptions& server = flags.options.server;
     setAmount(server.latency, "--latency", flags.latency, readDuration, kTime);
+    setAmount(server.sessionIdle, "--session-idle", flags.sessionIdle, readDuration, kTime);
+    setAmount(server.lockoutTime, "--lockout-time", flags.lockoutTime, readDuration, kTime);
     setAmount(server.limits.idle, "--connection-idle", flags.connectionIdle, readDuration, kTime);
     if (server.limits.idle.count() == 0) {
         throw CLI::ValidationError("--connection-idle", "must be at least 1ms");

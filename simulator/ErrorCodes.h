@@ -27,6 +27,7 @@ enum ErrorCode : int {
 
     kLoginRefused = 1077970020,
     kTooManySessions = 1077970021,
+    kLoginLocked = 1077970022,
 
     kNameTaken = 1077970030,
     kIdTaken = 1077970031,

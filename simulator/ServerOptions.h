@@ -31,7 +31,9 @@ struct ServerOptions {
     std::string user = "admin";
     std::string password;
     std::size_t maxSessions = 1024;
-    std::chrono::seconds sessionIdle{1200};
+    std::chrono::microseconds sessionIdle{std::chrono::minutes(20)};
+    unsigned lockoutAfter = 5;  ///< so many wrong passwords in a row lock a user name out; 0: never
+    std::chrono::microseconds lockoutTime{std::chrono::minutes(1)};
     /// Sessions age by this clock; tests set it.
     std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
 

@@ -19,11 +19,14 @@ Answer logIn(RequestContext& context)
     const std::string password = context.body.requireText("password", 1024);
     const std::uint64_t scope = context.body.requireNumber("scope", kLargestScope);
     const ServerOptions& options = context.array.options;
+    context.array.logins.check(user);
     const bool rightUser = equalInConstantTime(sha256(user), sha256(options.user));
     const bool rightPassword = equalInConstantTime(sha256(password), sha256(options.password));
     if (!rightUser || !rightPassword) {
+        context.array.logins.failed(user);
         throw ApiError(kLoginRefused, "The user name or the password is wrong.");
     }
+    context.array.logins.succeeded(user);
     const SessionStore::Credentials credentials = context.array.sessions.open(user, scope);
     context.session = credentials.number;
     context.replyHeaders.emplace_back("Set-Cookie", credentials.cookie + "; Path=/; Secure; HttpOnly; SameSite=Strict");

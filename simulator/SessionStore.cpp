@@ -26,7 +26,7 @@ std::string cookieValue(const std::string& header)
 
 }  // namespace
 
-SessionStore::SessionStore(std::size_t most, std::chrono::seconds idle, std::function<Clock::time_point()> now)
+SessionStore::SessionStore(std::size_t most, Clock::duration idle, std::function<Clock::time_point()> now)
     : m_most(most), m_idle(idle), m_now(std::move(now))
 {
 }

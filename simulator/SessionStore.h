@@ -27,7 +27,7 @@ public:
         std::uint64_t number = 0;
     };
 
-    SessionStore(std::size_t most, std::chrono::seconds idle, std::function<Clock::time_point()> now);
+    SessionStore(std::size_t most, Clock::duration idle, std::function<Clock::time_point()> now);
 
     /// An ApiError (kTooManySessions) where so many are open that no further one is allowed.
     Credentials open(const std::string& user, std::uint64_t scope);
@@ -40,7 +40,7 @@ public:
 private:
     void closeIdle();
     std::size_t m_most;
-    std::chrono::seconds m_idle;
+    Clock::duration m_idle;
     std::function<Clock::time_point()> m_now;
     std::uint64_t m_opened = 0;
     std::unordered_map<std::string, Session> m_sessions;  ///< by the hash of the cookie's value

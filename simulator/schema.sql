@@ -67,7 +67,8 @@ CREATE TABLE iscsi_initiator (
 CREATE INDEX iscsi_initiator_by_host ON iscsi_initiator (host_id);
 
 CREATE TABLE fc_initiator (
-    id TEXT PRIMARY KEY, name TEXT NOT NULL, host_id INTEGER REFERENCES host (id),
+    id TEXT PRIMARY KEY COLLATE NOCASE,              -- "2100..AB" and "2100..ab" are one port
+    name TEXT NOT NULL, host_id INTEGER REFERENCES host (id),
     health INTEGER NOT NULL DEFAULT 1, running INTEGER NOT NULL DEFAULT 2) WITHOUT ROWID;
 CREATE INDEX fc_initiator_by_host ON fc_initiator (host_id);
 
