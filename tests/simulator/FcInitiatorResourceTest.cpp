@@ -23,3 +23,11 @@ TEST(FcInitiatorResource, HasNothingAboutChap)
         {"ID", "20000000000000ff"}, {"NAME", ""}, {"HEALTHSTATUS", "1"}, {"RUNNINGSTATUS", "2"}, {"ISFREE", "true"}};
     EXPECT_EQ(array.client.get("/fc_initiator/20000000000000ff").data, expected);
 }
+
+TEST(FcInitiatorResource, TakesAPortNameForTheSameInCapitals)
+{
+    ArrayFixture array;
+    array.client.make("/fc_initiator", {{"ID", "21000000000000ab"}});
+    EXPECT_EQ(array.client.post("/fc_initiator", {{"ID", "21000000000000AB"}}).code, kIdTaken);
+    EXPECT_EQ(array.client.get("/fc_initiator/21000000000000AB").text("ID"), "21000000000000ab");
+}
