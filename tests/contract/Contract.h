@@ -125,10 +125,12 @@ Table iscsiInitiatorContract();
 Table fcInitiatorContract();
 Table portContract();
 Table sessionContract();
+Table handlerContract();
 Table attachContract();
 Table detachContract();
 Table lunScanContract();
 Table snapshotScanContract();
+Table sharedRescanContract();
 Table diskPathContract();
 
 /// All of them.

@@ -1,3 +1,4 @@
+#include "ScanSteps.h"
 #include "support/Recorder.h"
 
 #include <brevan/brevan.h>
@@ -84,39 +85,6 @@ TEST_F(DeviceManager, KeepsTheRetrySettingsOfTheFirst)
     CDeviceManager::releaseInstance(first);
 }
 
-TEST_F(DeviceManager, HandsOutOneHandlerOfEachTypeAndNoneOfOthers)
-{
-    CDeviceManager* const manager = CDeviceManager::getInstance();
-    for (int type = HANDLER_LUN; type <= HANDLER_FCOE_PORT; ++type) {
-        CHandler* const handler = manager->getHandler(static_cast<HANDLERTYPE>(type));
-        EXPECT_NE(handler, nullptr) << type;
-        EXPECT_EQ(manager->getHandler(static_cast<HANDLERTYPE>(type)), handler) << type;
-    }
-    for (const int none : {-1, 0, 1, 15}) {
-        EXPECT_EQ(manager->getHandler(static_cast<HANDLERTYPE>(none)), nullptr) << none;
-    }
-    CDeviceManager::releaseInstance(manager);
-}
-
-TEST_F(DeviceManager, HandsOutWhatTheTypeIsCalledAfter)
-{
-    CDeviceManager* const manager = CDeviceManager::getInstance();
-    EXPECT_NE(dynamic_cast<CLunHandler*>(manager->getHandler(HANDLER_LUN)), nullptr);
-    EXPECT_NE(dynamic_cast<CLunGroupHandler*>(manager->getHandler(HANDLER_LUNGROUP)), nullptr);
-    EXPECT_NE(dynamic_cast<CHostHandler*>(manager->getHandler(HANDLER_HOST)), nullptr);
-    EXPECT_NE(dynamic_cast<CHostGroupHandler*>(manager->getHandler(HANDLER_HOSTGROUP)), nullptr);
-    EXPECT_NE(dynamic_cast<CMappingViewHandler*>(manager->getHandler(HANDLER_MAPPINGVIEW)), nullptr);
-    EXPECT_NE(dynamic_cast<CIscsiInitiatorHandler*>(manager->getHandler(HANDLER_ISCSI_INITIATOR)), nullptr);
-    EXPECT_NE(dynamic_cast<CSnapshotHandler*>(manager->getHandler(HANDLER_SNAPSHOT)), nullptr);
-    EXPECT_NE(dynamic_cast<CDiskAttachHandler*>(manager->getHandler(HANDLER_DISK_ATTACH)), nullptr);
-    EXPECT_NE(dynamic_cast<CDiskScannerHandler*>(manager->getHandler(HANDLER_DISK_SCANNER)), nullptr);
-    EXPECT_NE(dynamic_cast<CFCInitiatorHandler*>(manager->getHandler(HANDLER_FC_INITIATOR)), nullptr);
-    EXPECT_NE(dynamic_cast<CETHPortHandler*>(manager->getHandler(HANDLER_ETH_PORT)), nullptr);
-    EXPECT_NE(dynamic_cast<CFCPortHandler*>(manager->getHandler(HANDLER_FC_PORT)), nullptr);
-    EXPECT_NE(dynamic_cast<CFCoEPortHandler*>(manager->getHandler(HANDLER_FCOE_PORT)), nullptr);
-    CDeviceManager::releaseInstance(manager);
-}
-
 TEST_F(DeviceManager, WritesAllElevenArgumentsOfARecord)
 {
     CDeviceManager* const manager = CDeviceManager::getInstance();
@@ -129,5 +97,50 @@ TEST_F(DeviceManager, WritesAllElevenArgumentsOfARecord)
                             ElementsAre(kTag, "1", "", "useConnection", "", "", "", kNow, kNow, "1", "")));
     CDeviceManager::releaseInstance(manager);
 }
+
+namespace {
+
+template <class Handler>
+bool isOf(CDeviceManager& manager, HANDLERTYPE type)
+{
+    CHandler* const handler = manager.getHandler(type);
+    return dynamic_cast<Handler*>(handler) != nullptr && manager.getHandler(type) == handler;
+}
+
+int rightHandlers(CDeviceManager& manager)
+{
+    return isOf<CLunHandler>(manager, HANDLER_LUN) + isOf<CLunGroupHandler>(manager, HANDLER_LUNGROUP) +
+           isOf<CHostHandler>(manager, HANDLER_HOST) + isOf<CHostGroupHandler>(manager, HANDLER_HOSTGROUP) +
+           isOf<CMappingViewHandler>(manager, HANDLER_MAPPINGVIEW) +
+           isOf<CIscsiInitiatorHandler>(manager, HANDLER_ISCSI_INITIATOR) +
+           isOf<CSnapshotHandler>(manager, HANDLER_SNAPSHOT) + isOf<CDiskAttachHandler>(manager, HANDLER_DISK_ATTACH) +
+           isOf<CDiskScannerHandler>(manager, HANDLER_DISK_SCANNER) +
+           isOf<CFCInitiatorHandler>(manager, HANDLER_FC_INITIATOR) + isOf<CETHPortHandler>(manager, HANDLER_ETH_PORT) +
+           isOf<CFCPortHandler>(manager, HANDLER_FC_PORT) + isOf<CFCoEPortHandler>(manager, HANDLER_FCOE_PORT);
+}
+
+int handlersOfOtherNumbers(CDeviceManager& manager)
+{
+    int found = 0;
+    for (const int number : {-1, 0, 1, 15}) {
+        found += manager.getHandler(static_cast<HANDLERTYPE>(number)) == nullptr ? 0 : 1;
+    }
+    return found;
+}
+
+}  // namespace
+
+/// In a process of its own: the scanner's making is remembered.
+Table handlerContract()
+{
+    return {Operation("getHandler")
+                .succeeds(
+                    "thirteen types, the same object every time", [](Sdk& sdk) { return rightHandlers(sdk.manager); },
+                    kLockMade, "13")
+                .succeeds(
+                    "no other number", [](Sdk& sdk) { return handlersOfOtherNumbers(sdk.manager); }, {}, "0")};
+}
+
+BREVAN_CONTRACT(Handlers, rowsAlone(handlerContract()));
 
 }  // namespace brevan::contract

@@ -18,6 +18,8 @@ namespace {
 
 using test::Recorder;
 
+constexpr unsigned int kSecondsForOneRow = 60;
+
 void logLine(const std::string& line)
 {
     Recorder::instance().logLine(line);
@@ -153,6 +155,7 @@ Observation observeAlone(const Row& row)
     std::fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
+        alarm(kSecondsForOneRow);
         enterOwnIpcNamespace();
         write(file, observe(row));
         std::fflush(stdout);

@@ -88,7 +88,12 @@ Steps disk(const std::string& path, const std::string& designator)
 {
     Step step{Step::Kind::Disk, "open: " + path};
     step.designator = designator;
-    return step;
+    return {step, "inquiry: 12018300ff00, 256 bytes, 64 of sense, 60000 ms"};
+}
+
+Steps unopenable(const std::string& path)
+{
+    return {Step{Step::Kind::Disk, "open: " + path}, "open read-only: " + path};
 }
 
 Steps repeated(unsigned int times, const Steps& steps)

@@ -21,7 +21,8 @@ using test::CommandResult;
 ///     CODE/TYPE/0 [COMMAND LINE] (PARAMETER)   a command for the runner
 ///     shell: COMMAND LINE            system()
 ///     sleep: MICROSECONDS
-///     open: PATH                     a disk is opened and its page 0x83 read
+///     open: PATH                     a disk is opened for reading and writing; "open read-only:" otherwise
+///     inquiry: COMMAND ...           SG_IO on it
 struct Step {
     enum class Kind { Line, Request, Command, Shell, Disk };
 
@@ -71,7 +72,10 @@ Steps sendRefused(const std::string& request, const std::string& operation, int 
 Steps answered(const std::string& request, const Answer& answer);
 Steps command(const std::string& line, const CommandResult& result);
 Steps shell(const std::string& line, int result);
+/// A disk is opened and its page 0x83 read, which holds this designator (hexadecimal); or it opens neither way.
 Steps disk(const std::string& path, const std::string& designator);
+Steps unopenable(const std::string& path);
+
 Steps repeated(unsigned int times, const Steps& steps);
 
 constexpr int kUnreachable = 1005;
