@@ -4,7 +4,7 @@ set -euo pipefail
 BUILD=$1 PROGRAM=$1/bin/adopt_session
 # shellcheck source=tests/examples/program-checks.sh
 source "$(dirname "$0")/program-checks.sh"
-session() { "$HERE/../../examples/session.sh" "$1" "${connection[@]}" --ca-file "$ARRAY_DIR/ca.pem" "${@:2}" 2>"$WORK/errors"; }
+session() { "$HERE/../../examples/session.sh" "$1" "${connection[@]}" --ca-file "$ARRAY_DIR/ca.pem" "${@:2}" 2>"$ERRORS"; }
 adopt() { program "${connection[@]}" <<<"$opened"; }
 
 startForExamples
@@ -15,7 +15,7 @@ check "and reads under it" grep -qE '^read +[1-9][0-9]* Ethernet ports ' "$WORK/
 check "and again: it was left open" adopt
 token=$(sed -n 's/^iBaseToken: //p' <<<"$opened")
 cookie=$(sed -n 's/^cookie: //p' <<<"$opened")
-check "the token is in no output" bash -c "! grep -qF -e '$token' -e '${cookie#*=}' '$WORK/output' '$WORK/errors'"
+check "the token is in no output" bash -c "! grep -qF -e '$token' -e '${cookie#*=}' '$WORK/output' '$ERRORS'"
 
 check "the process that opened it ends it" session close <<<"$opened"
 trouble "after that the array does not know it" 6 "127.0.0.1:$ARRAY_PORT does not take the session" "${connection[@]}" <<<"$opened"
@@ -27,6 +27,6 @@ trouble "no address" 2 "--address is needed" <<<"$opened"
 trouble "no literal address" 2 "the session cannot be adopted: Invalid ip address!" --address array.example <<<"$opened"
 
 BREVAN_PASSWORD='quotes " and \ wrong' check "a wrong password is refused in one line" \
-    bash -c "! '$HERE/../../examples/session.sh' open --address 127.0.0.1 --port $ARRAY_PORT --ca-file '$ARRAY_DIR/ca.pem' 2>'$WORK/errors'"
-check "with the array's reason" grep -qE '^session.sh: login refused: [A-Z]' "$WORK/errors"
+    bash -c "! '$HERE/../../examples/session.sh' open --address 127.0.0.1 --port $ARRAY_PORT --ca-file '$ARRAY_DIR/ca.pem' 2>'$ERRORS'"
+check "with the array's reason" grep -qE '^session.sh: login refused: [A-Z]' "$ERRORS"
 endChecks

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Sourced by the tests of examples that need no disks: a simulated array of their own, and how a program's trouble is checked.
+# Sourced by the tests of examples that need no disks: a simulated array of their own, and checks of what a program says.
 #   BUILD=folder of the build; then startForExamples, and at the end endExamples.
 HERE=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 WORK=$(mktemp -d)
@@ -19,14 +19,8 @@ startForExamples() {                         # leaves in $connection where the a
     connection=(--address 127.0.0.1 --port "$ARRAY_PORT")
 }
 
-program() { "$PROGRAM" "$@" >"$WORK/output" 2>"$WORK/errors"; }
-trouble() {                                  # WHAT STATUS TEXT [ARGUMENT...]: that exit status, and one line that says that
-    local what=$1 status=0
-    program "${@:4}" || status=$?
-    is "$what: exit status" "$status" "$2"
-    is "$what: lines" "$(wc -l <"$WORK/errors")" 1
-    check "$what: the line says so" grep -qF -e "$3" "$WORK/errors"
-}
+ERRORS=$WORK/errors
+program() { "$PROGRAM" "$@" >"$WORK/output" 2>"$ERRORS"; }
 noSecretsSeen() {                            # nothing that the program wrote holds the password
-    check "the password is in no output" bash -c "! grep -qF -- '$ARRAY_PASSWORD' '$WORK/output' '$WORK/errors'"
+    check "the password is in no output" bash -c "! grep -qF -- '$ARRAY_PASSWORD' '$WORK/output' '$ERRORS'"
 }
