@@ -107,6 +107,45 @@ std::string Data::dump() const
     return m_node == nullptr ? "absent" : m_node->json.dump();
 }
 
+namespace {
+
+using nlohmann::json;
+
+bool fits(const json& wanted, const json& real)
+{
+    const std::string text = wanted.is_string() ? wanted.get<std::string>() : std::string();
+    const std::size_t begin = text.find('<');
+    if (begin == std::string::npos || text.back() != '>') {
+        return wanted == real;
+    }
+    const std::string known = text.substr(0, begin);
+    return real.is_string() && real.get<std::string>().size() > known.size() && real.get<std::string>().find(known) == 0;
+}
+
+std::string difference(const json& wanted, const json& real, const std::string& place)
+{
+    const bool bothLists = wanted.is_array() && real.is_array() && wanted.size() == real.size();
+    if (!bothLists && !(wanted.is_object() && real.is_object())) {
+        return fits(wanted, real) ? std::string() : place + ": wanted " + wanted.dump() + ", there is " + real.dump();
+    }
+    for (const auto& [key, value] : wanted.items()) {
+        const json* found = bothLists ? &real.at(std::stoul(key)) : real.contains(key) ? &real.at(key) : nullptr;
+        const std::string inside = place + "/" + key;
+        const std::string result = found == nullptr ? inside + " is missing" : difference(value, *found, inside);
+        if (!result.empty()) {
+            return result;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string Data::differenceFrom(const Data& wanted) const
+{
+    return difference(wanted.m_node->json, m_node->json, "");
+}
+
 bool operator==(const Data& data, const Fields& fields)
 {
     return data.dump() == fields.dump();

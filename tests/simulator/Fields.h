@@ -60,6 +60,9 @@ public:
     int number() const;
     /// As JSON, keys in the order of the alphabet.
     std::string dump() const;
+    /// Empty where everything that `wanted` has stands here, too, and lists are equally long: objects may have more keys. A
+    /// wanted text with "<...>" in it stands for any text but an empty one. Otherwise the first place that differs.
+    std::string differenceFrom(const Data& wanted) const;
 
 private:
     struct Node;
