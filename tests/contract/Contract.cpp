@@ -44,6 +44,12 @@ std::vector<std::string> linesOf(const Steps& steps)
     return lines;
 }
 
+bool writes(const Steps& steps, const std::string& kind)
+{
+    return std::any_of(steps.begin(), steps.end(),
+                       [&](const Step& step) { return step.line.compare(0, kind.size(), kind) == 0; });
+}
+
 std::string joined(const std::vector<std::string>& lines)
 {
     std::string text;
@@ -75,9 +81,10 @@ std::string refused(const std::string& operation)
     return exception(kRefused, refusedText(operation));
 }
 
-Operation& Operation::add(const std::string& title, Call call, Steps steps, const std::string& result)
+Operation& Operation::add(const std::string& title, Call call, Steps steps, const std::string& result,
+                          const std::string& failure)
 {
-    m_rows.push_back(Row{m_name, title, std::move(call), std::move(steps), result});
+    m_rows.push_back(Row{m_name, title, std::move(call), std::move(steps), result, failure});
     return *this;
 }
 
@@ -102,7 +109,9 @@ Operation& Operation::refusal(const std::string& title, Call call, Steps steps, 
 
 Operation& Operation::refuses(const std::string& message, const Call& call)
 {
-    return refusal(message, call, failed(m_name, "error: " + message + m_name, 1), exception(message + m_name));
+    refusal(message, call, failed(m_name, "error: " + message + m_name, 1), exception(message + m_name));
+    m_rows.back().failure = message + m_name;
+    return *this;
 }
 
 const Row& Operation::newestSuccess() const
@@ -116,9 +125,9 @@ Operation& Operation::failsAt(const std::string& request, const std::vector<std:
     const std::string& sender = within.back();
     const Steps first = before(whole.steps, request);
     add("unreachable at " + request, whole.call, {first, sendUnreachable(request, sender), records(within, kUnreachable)},
-        unreachable(sender));
+        unreachable(sender), unreachableText(sender));
     add("refused at " + request, whole.call, {first, sendRefused(request, sender), records(within, kRefused)},
-        refused(sender));
+        refused(sender), refusedText(sender));
     return *this;
 }
 
@@ -129,9 +138,9 @@ Operation& Operation::endsAt(const std::string& request, const std::vector<std::
     const std::string& sender = within.back();
     const Steps first = before(whole.steps, request);
     add("unreachable at " + request, whole.call,
-        {first, sendUnreachable(request, sender), records(within, kUnreachable), closing}, result);
+        {first, sendUnreachable(request, sender), records(within, kUnreachable), closing}, result, unreachableText(sender));
     add("refused at " + request, whole.call, {first, sendRefused(request, sender), records(within, kRefused), closing},
-        result);
+        result, refusedText(sender));
     return *this;
 }
 
@@ -171,6 +180,9 @@ TEST_P(Contract, Holds)
     const Observation seen = row.alone ? observeAlone(row) : observe(row);
     EXPECT_EQ(joined(seen.lines), joined(linesOf(row.steps)));
     EXPECT_EQ(seen.result, row.result);
+    if (!row.failure.empty() || (writes(row.steps, "record:") && !writes(row.steps, "error:"))) {
+        EXPECT_EQ(seen.failure, row.failure);
+    }
 }
 
 }  // namespace brevan::contract

@@ -46,6 +46,10 @@ struct Row {
     Call call;
     Steps steps;         ///< all that happens, in order
     std::string result;  ///< the call's, or the exception
+
+    /// The text of brevan::lastFailure(). Where it is not given: none, unless an error line is written.
+    std::string failure{};
+
     unsigned int retryTimes = 1;
     unsigned int pauseMicroseconds = 500000;
     bool refusesArgument = false;
@@ -85,7 +89,8 @@ public:
     const std::vector<Row>& rows() const { return m_rows; }
 
 private:
-    Operation& add(const std::string& title, Call call, Steps steps, const std::string& result);
+    Operation& add(const std::string& title, Call call, Steps steps, const std::string& result,
+                   const std::string& failure = "");
     const Row& newestSuccess() const;
 
     std::string m_name;

@@ -156,6 +156,20 @@ Operation getLun()
         .refuses("lunID is empty! ", [](Sdk& sdk) { return sdk.lun().getLun(""); });
 }
 
+/// A reply that cannot be read is one that did not come.
+Operation getUnusableLun()
+{
+    const Call get = [](Sdk& sdk) { return sdk.lun().getLun("7"); };
+    const auto with = [](const char* data) {
+        return failed("getLun", {send("GET /lun/7", data), "error: url error or internet error getLun"}, kUnusable);
+    };
+    return Operation("getLun")
+        .row("a record that is no object", get, with(R"(["seven"])"), unreachable("getLun"))
+        .row("a capacity that is no number", get, with(R"({"ID":"7","CAPACITY":"much"})"), unreachable("getLun"))
+        .row("a capacity beyond 64 bits", get, with(R"({"ID":"7","SECTORSIZE":"512","CAPACITY":"36028797018963968"})"),
+             unreachable("getLun"));
+}
+
 LunQuery every()
 {
     LunMO lun;
@@ -206,6 +220,7 @@ Table lunContract()
             createOtherLuns(),
             createLunReadsBack(),
             getLun(),
+            getUnusableLun(),
             batch("getLunByLunGroup", "LunGroup id is empty! ", "ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=3",
                   [](Sdk& sdk, const char* id, LunQuery query) { return sdk.lun().getLunByLunGroup(id, query); }),
             batch("getLunByHost", "hostID is empty! ", "ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=3",

@@ -94,16 +94,32 @@ void enterOwnIpcNamespace()
     }
 }
 
+void write(std::FILE* out, const std::string& text)
+{
+    std::fwrite(text.c_str(), 1, text.size() + 1, out);
+}
+
+/// Texts with a null byte behind each: the lines, then the result and the failure.
 void write(std::FILE* out, const Observation& seen)
 {
     for (const std::string& line : seen.lines) {
-        std::fwrite(line.c_str(), 1, line.size() + 1, out);
+        write(out, line);
     }
-    std::fwrite(seen.result.c_str(), 1, seen.result.size() + 1, out);
+    write(out, seen.result);
+    write(out, seen.failure);
     std::fflush(out);
 }
 
-/// Texts with a null byte behind each; the last one is the result.
+std::string takeLast(std::vector<std::string>& texts)
+{
+    std::string last;
+    if (!texts.empty()) {
+        last = texts.back();
+        texts.pop_back();
+    }
+    return last;
+}
+
 Observation read(std::FILE* in)
 {
     Observation seen;
@@ -116,10 +132,8 @@ Observation read(std::FILE* in)
             text.clear();
         }
     }
-    if (!seen.lines.empty()) {
-        seen.result = seen.lines.back();
-        seen.lines.pop_back();
-    }
+    seen.failure = takeLast(seen.lines);
+    seen.result = takeLast(seen.lines);
     return seen;
 }
 
@@ -138,6 +152,7 @@ Observation observe(const Row& row)
     }
     Observation seen;
     seen.result = resultOf(row, *manager);
+    seen.failure = lastFailure().text;
     const std::vector<std::string> log = recorder.log();
     for (std::size_t i = before; i < log.size(); ++i) {
         seen.lines.push_back(withoutAddress(log[i], manager));

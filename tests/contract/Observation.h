@@ -12,6 +12,7 @@ namespace brevan::contract {
 struct Observation {
     std::vector<std::string> lines;
     std::string result;
+    std::string failure;  ///< the text of brevan::lastFailure() in the calling thread
 };
 
 /// Plays the row's script to the library.

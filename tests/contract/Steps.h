@@ -79,6 +79,7 @@ Steps unopenable(const std::string& path);
 Steps repeated(unsigned int times, const Steps& steps);
 
 constexpr int kUnreachable = 1005;
+constexpr int kUnusable = 1009;
 constexpr int kRefused = 50331651;
 constexpr int kNotYetReadable = 1077949006;
 
