@@ -1,4 +1,4 @@
-#include "Contract.h"
+#include "ReadBack.h"
 
 namespace brevan::contract {
 namespace {
@@ -48,26 +48,10 @@ Operation createHost()
         .refuses("OperationSystem value is initial value! ", [](Sdk& sdk) { return create(sdk, "h", 100); });
 }
 
-Steps notYet()
-{
-    return failed("getHost", sendRefused("GET /host/21", "getHost", kNotYetReadable), kNotYetReadable);
-}
-
-/// What the last read throws comes out.
 Operation createHostReadsBack()
 {
-    const Steps again = {"info: retry get host!", "sleep: 70000"};
-    return Operation("createHost")
-        .row("not yet readable twice, then readable", kCreateHost,
-             done("createHost", {send(kCreate, kRecord), notYet(), again, notYet(), again, kFound}), kRead)
-        .withRetries(2, 70000)
-        .row("never readable: retryTimes + 1 reads", kCreateHost,
-             failed("createHost", {send(kCreate, kRecord), notYet(), again, notYet()}, kNotYetReadable),
-             exception(kNotYetReadable, refusedText("getHost", kNotYetReadable)))
-        .withRetries(1, 70000)
-        .row("no retries", kCreateHost, failed("createHost", {send(kCreate, kRecord), notYet()}, kNotYetReadable),
-             exception(kNotYetReadable, refusedText("getHost", kNotYetReadable)))
-        .withRetries(0, 70000);
+    return readsBack(
+        {"createHost", kCreateHost, send(kCreate, kRecord), "getHost", "GET /host/21", kFound, "retry get host!", kRead});
 }
 
 Operation getHost()

@@ -1,4 +1,4 @@
-#include "Contract.h"
+#include "ReadBack.h"
 
 // "HostGroupID is empty" has no blank at its end, unlike the others: the operation's name follows directly.
 
@@ -43,26 +43,10 @@ Operation createHostGroup()
         .refuses("HostGroup name is empty! ", [](Sdk& sdk) { return create(sdk, ""); });
 }
 
-Steps notYet()
-{
-    return failed("getHostGroup", sendRefused("GET /hostgroup/40", "getHostGroup", kNotYetReadable), kNotYetReadable);
-}
-
-/// What the last read throws comes out.
 Operation createHostGroupReadsBack()
 {
-    const Steps again = {"info: retry get host group!", "sleep: 70000"};
-    return Operation("createHostGroup")
-        .row("not yet readable twice, then readable", kCreateGroup,
-             done("createHostGroup", {send(kCreate, kRecord), notYet(), again, notYet(), again, kFound}), kRead)
-        .withRetries(2, 70000)
-        .row("never readable: retryTimes + 1 reads", kCreateGroup,
-             failed("createHostGroup", {send(kCreate, kRecord), notYet(), again, notYet()}, kNotYetReadable),
-             exception(kNotYetReadable, refusedText("getHostGroup", kNotYetReadable)))
-        .withRetries(1, 70000)
-        .row("no retries", kCreateGroup, failed("createHostGroup", {send(kCreate, kRecord), notYet()}, kNotYetReadable),
-             exception(kNotYetReadable, refusedText("getHostGroup", kNotYetReadable)))
-        .withRetries(0, 70000);
+    return readsBack({"createHostGroup", kCreateGroup, send(kCreate, kRecord), "getHostGroup", "GET /hostgroup/40", kFound,
+                      "retry get host group!", kRead});
 }
 
 Operation deleteHostGroup()

@@ -1,4 +1,4 @@
-#include "Contract.h"
+#include "ReadBack.h"
 
 namespace brevan::contract {
 namespace {
@@ -40,26 +40,10 @@ Operation createMappingView()
         .refuses("MappingView name is empty! ", [](Sdk& sdk) { return create(sdk, ""); });
 }
 
-Steps notYet()
-{
-    return failed("getMappingView", sendRefused("GET /mappingview/50", "getMappingView", kNotYetReadable), kNotYetReadable);
-}
-
-/// What the last read throws comes out.
 Operation createMappingViewReadsBack()
 {
-    const Steps again = {"info: retry get mapping view!", "sleep: 70000"};
-    return Operation("createMappingView")
-        .row("not yet readable twice, then readable", kCreateView,
-             done("createMappingView", {send(kCreate, kRecord), notYet(), again, notYet(), again, kFound}), "ID:50")
-        .withRetries(2, 70000)
-        .row("never readable: retryTimes + 1 reads", kCreateView,
-             failed("createMappingView", {send(kCreate, kRecord), notYet(), again, notYet()}, kNotYetReadable),
-             exception(kNotYetReadable, refusedText("getMappingView", kNotYetReadable)))
-        .withRetries(1, 70000)
-        .row("no retries", kCreateView, failed("createMappingView", {send(kCreate, kRecord), notYet()}, kNotYetReadable),
-             exception(kNotYetReadable, refusedText("getMappingView", kNotYetReadable)))
-        .withRetries(0, 70000);
+    return readsBack({"createMappingView", kCreateView, send(kCreate, kRecord), "getMappingView", "GET /mappingview/50",
+                      kFound, "retry get mapping view!", "ID:50"});
 }
 
 Operation deleteMappingView()
