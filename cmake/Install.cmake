@@ -30,6 +30,10 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/brevan DESTINATION ${CMAKE_INSTA
 
 if(TARGET brevan-array-sim)
   install(TARGETS brevan-array-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT simulator)
+  install(FILES ${PROJECT_SOURCE_DIR}/simulator/brevan-array-sim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT simulator)
+  install(FILES ${PROJECT_BINARY_DIR}/simulator/brevan-array-sim.service DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+    COMPONENT simulator)
 endif()
 
 # The CMake package: find_package(brevan) gives the target brevan::brevan.
