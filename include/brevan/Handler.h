@@ -30,7 +30,8 @@ enum HANDLERTYPE : int {
 ///     no usable reply, PlimAPIExceptionWithErrCode with the array's code for an error answer (Errors.h). Nothing else.
 ///   - It writes "enter NAME successfully!" and, when it went well, "leave NAME successfully!" to the run log (info),
 ///     failures as errors, and one record with start, end and code (0, 1 for a parameter, else the failure's) to the
-///     interface log.
+///     interface log. Operations that it calls on its way write theirs between; one that fails gives its code to the
+///     records of those around it.
 ///   - Reads may be repeated. A create or a change that ended in a timeout or a lost connection may have been carried
 ///     out: read before repeating it. Nothing but a read is ever sent twice by the library.
 ///   - A read of one object that the array answers without a record gives a default record with an empty ID, no

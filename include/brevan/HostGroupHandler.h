@@ -23,9 +23,9 @@ public:
     /// The group with that ID; a default record where the array answers without one. Throws "HostGroupID is empty".
     virtual HostGroupMO getHostGroup(const std::string& hostGroupID) = 0;
 
-    /// Puts a host into a group. A request that fails is written to the run log as a warning and not reported otherwise,
-    /// save by brevan::lastFailure(); a host that is already in the group is no failure. Throws "hostID is empty! ",
-    /// "HostGroupID is empty".
+    /// Puts a host into a group. A request that fails has its error line and its record as elsewhere, then a warning
+    /// instead of the leave line, and is not reported otherwise, save by brevan::lastFailure(); a host that is already in
+    /// the group is no failure. Throws "hostID is empty! ", "HostGroupID is empty".
     virtual void addHostToHostGroup(const std::string& hostID, const std::string& hostGroupID) = 0;
 
     /// The groups that hold a host and meet the condition (ID, NAME). Throws "hostID is empty! ".

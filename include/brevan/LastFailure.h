@@ -34,11 +34,11 @@ struct BREVAN_API Failure {
     bool empty() const { return operation.empty(); }
 };
 
-/// What went wrong in the newest outermost operation of the calling thread (an operation that the application called itself,
-/// not one that another operation called). Empty when it went well. Tells also of failures that the operation's result
-/// hides: an attach that returns 0, a membership change that was refused, an empty disk path. Where several things went
-/// wrong it is the first, which is mostly the cause of the others. Each thread has its own. Does not throw save for lack of
-/// memory.
+/// What went wrong in the newest outermost operation of the calling thread (an operation that the application called
+/// itself, not one that another operation called). Empty when it went well. Tells also of failures that the operation's
+/// result hides: an attach that returns 0, a membership change that was refused, an empty disk path. Where several things
+/// went wrong it is the first, which is mostly the cause of the others; of several tries of one request it is the last.
+/// Each thread has its own. Does not throw save for lack of memory.
 BREVAN_API Failure lastFailure();
 
 }  // namespace brevan

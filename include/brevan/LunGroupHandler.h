@@ -11,15 +11,17 @@
 ///
 /// The four membership changes throw only for empty IDs. A change that fails is repeated up to retryTimes times with the
 /// pause between (CDeviceManager::getInstance); an object that is already in the group, or already out of it, counts as
-/// done.
+/// done. A session that is gone (-401) ends the tries at once, save for addLunToLunGroup, which is repeated whatever the
+/// failure was. A change that failed for good has its last code (-1 without a usable reply) in its record, and no leave
+/// line.
 class BREVAN_API CLunGroupHandler : public CHandler {
 public:
     ~CLunGroupHandler() override;
 
     /// Creates the group and returns it as the array has it. NAME is needed; an APPTYPE that is not set (100) becomes 0, in
     /// the caller's record too. Reads the group at once, again while the array cannot give it yet (1077949006, 1077949001)
-    /// and tries are left; otherwise the read's exception comes out: the group exists all the same. Throws "LunGroup name is
-    /// empty! ".
+    /// and tries are left; otherwise the read's exception comes out: the group exists all the same. Throws "LunGroup name
+    /// is empty! ".
     virtual LunGroupMO createLunGroup(LunGroupMO& group) = 0;
 
     /// Throws "LunGroup id is empty! ".

@@ -13,11 +13,11 @@ public:
     ~CLunHandler() override;
 
     /// Creates the LUN and returns it as the array has it. NAME, PARENTID (the pool) and CAPACITY are needed; thin where
-    /// ALLOCTYPE is 1, with ALLOCCAPACITY as its initial allocation (set it: "not set" is sent as the largest number), thick
-    /// otherwise. Waits 0.2 s, then reads the LUN; a LUN that the array cannot give yet (1077949006) is read again,
-    /// retryTimes times with the pause between (CDeviceManager::getInstance). A default record (empty ID) comes back when it
-    /// could not be read by then: the LUN exists all the same. Throws PlimAPIException "Lun name is empty! ", "ParentID is
-    /// empty! ", "Capacity value is initial value".
+    /// ALLOCTYPE is 1, with ALLOCCAPACITY as its initial allocation (set it: "not set" is sent as the largest number),
+    /// thick otherwise. Waits 0.2 s, then reads the LUN; a LUN that the array cannot give yet (1077949006) is read again,
+    /// retryTimes times with the pause between (CDeviceManager::getInstance). A default record (empty ID) comes back when
+    /// the array answers the last read with an error; a read without a usable reply throws. The LUN exists all the same.
+    /// Throws PlimAPIException "Lun name is empty! ", "ParentID is empty! ", "Capacity value is initial value".
     virtual LunMO createLun(LunMO& lun) = 0;
 
     /// The LUN with that ID; a default record where the array answers without one. Throws "lunID is empty! ".
