@@ -84,14 +84,56 @@ Operation candidates()
              kDisk);
 }
 
+/// The identifier is the page's first designator, of at most 31 bytes.
+Operation identifiers()
+{
+    const std::string longest(62, 'a');
+    const std::string tooLong(64, 'a');
+    return Operation(kName)
+        .row(
+            "31 bytes", [longest](Sdk& sdk) { return pathOf(sdk, longest, MOTYPE_LUN); },
+            {listing({link("scsi-3" + longest, "sdc")}), candidate("sdc", longest), kFound}, kDisk)
+        .row(
+            "32 bytes", [tooLong](Sdk& sdk) { return pathOf(sdk, tooLong, MOTYPE_LUN); },
+            {listing({link("scsi-3" + tooLong, "sdc")}), candidate("sdc", tooLong)}, "");
+}
+
+std::string searchByWwn(Sdk& sdk, const std::string& wwn)
+{
+    std::string lun = "7";
+    sdk.scanner().scanLunAfterAttach(lun);
+    return pathOf(sdk, wwn, MOTYPE_LUN);
+}
+
+/// The last four of 16 bytes are told as a number of 32 bits with a sign.
+Operation lunNumbers()
+{
+    const std::string head = "6a0b00112233445566778899";
+    const auto search = [](const std::string& wwn) -> Call { return [wwn](Sdk& sdk) { return searchByWwn(sdk, wwn); }; };
+    const auto found = [](const std::string& wwn, const std::string& number) -> Steps {
+        return {kLockMade,
+                lunScanSeesMultipath(),
+                command("100008/0/0 [ ls -al /dev/disk/by-id | grep ? | grep -v part | grep scsi-] (" + wwn + ")",
+                        prints({link("scsi-3" + wwn, "sdc")})),
+                "info: disk info [" + kDisk + "]",
+                "info: strDiskPath [" + kDisk + "]",
+                disk(kDisk, wwn),
+                "info: strSnapshotID [" + number + "]",
+                command(kRescanDisk, says("")),
+                "record: GetDiskPathForWWN 0",
+                "info: ---------GetDiskPathForWWN successfully---------!"};
+    };
+    return Operation(kName)
+        .row("266", search(head + "0000010a"), found(head + "0000010a", "266"), kDisk)
+        .row("all bits set", search(head + "ffffffff"), found(head + "ffffffff", "-1"), kDisk)
+        // -2147483648, of which ten characters are kept.
+        .row("the sign bit", search(head + "80000000"), found(head + "80000000", "-214748364"), kDisk);
+}
+
 /// By way of the multipath software, which a LUN's scan has seen: a record of its own name, whether a disk matches or not.
 Operation byWwn()
 {
-    const Call search = [](Sdk& sdk) {
-        std::string lun = "7";
-        sdk.scanner().scanLunAfterAttach(lun);
-        return pathOf(sdk, "6a0b", MOTYPE_LUN);
-    };
+    const Call search = [](Sdk& sdk) { return searchByWwn(sdk, "6a0b"); };
     const Steps start = {kLockMade, lunScanSeesMultipath()};
     const Steps otherDisk = {command(kListByWwn, prints({link("scsi-36a0b", "sdc")})),
                              "info: disk info [" + kDisk + "]",
@@ -121,7 +163,7 @@ Operation byWwn()
 
 Table diskPathContract()
 {
-    return {getDiskPath(), candidates(), byWwn()};
+    return {getDiskPath(), candidates(), identifiers(), lunNumbers(), byWwn()};
 }
 
 BREVAN_CONTRACT(DiskPath, rowsAlone(diskPathContract()));
