@@ -139,8 +139,9 @@ using brevan::test::Recorder;
 
 namespace {
 
-const std::string kDiskFolder = "/dev/disk/by-id/";
-const std::string kRescanSettingFile = "/opt/norvane-data-protection/dunmere/microservice/zql_backup/conf/uprescan";
+// No objects: these functions are called before this program's objects are made.
+constexpr char kDiskFolder[] = "/dev/disk/by-id/";
+constexpr char kRescanSettingFile[] = "/opt/norvane-data-protection/dunmere/microservice/zql_backup/conf/uprescan";
 
 /// The C library's own function behind ours.
 template <class Function>
@@ -151,7 +152,7 @@ Function* real(const char* name)
 
 int openAny(const char* path, int flags, mode_t mode)
 {
-    if (std::string(path).compare(0, kDiskFolder.size(), kDiskFolder) == 0) {
+    if (std::strncmp(path, kDiskFolder, sizeof(kDiskFolder) - 1) == 0) {
         return Host::instance().openDisk(path, (flags & O_ACCMODE) == O_RDWR);
     }
     static auto* const own = real<int(const char*, int, ...)>("open");
@@ -212,8 +213,8 @@ int ioctl(int fd, unsigned long request, ...) noexcept
 
 int stat(const char* __restrict path, struct stat* __restrict status) noexcept
 {
-    if (path == kRescanSettingFile) {
-        Recorder::instance().logLine("stat: " + kRescanSettingFile);
+    if (std::strcmp(path, kRescanSettingFile) == 0) {
+        Recorder::instance().logLine(std::string("stat: ") + kRescanSettingFile);
         return Host::instance().hasSettingFile() ? 0 : -1;
     }
     static auto* const own = real<int(const char*, struct stat*)>("stat");
