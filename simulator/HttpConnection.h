@@ -75,6 +75,7 @@ private:
     static constexpr bool kTls = !std::is_same_v<Stream, boost::beast::tcp_stream>;
     static constexpr std::chrono::seconds kHandshakeTime{15};
     static constexpr std::chrono::seconds kClosingTime{5};
+    static constexpr std::size_t kKeptBytes = 16 * 1024;  // a larger buffer is not kept for the next answer
     static constexpr std::size_t kMostDrained = 64 * 1024 * 1024;
 
     auto& lowest() { return boost::beast::get_lowest_layer(m_stream); }
@@ -215,7 +216,9 @@ private:
     void onWritten(bool cut)
     {
         m_bytes.set(0);
-        m_out = {};
+        if (m_out.capacity() > kKeptBytes) {
+            m_out = {};
+        }
         if (cut) {
             lowest().close();
         } else if (m_refused) {

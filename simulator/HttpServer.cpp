@@ -31,8 +31,6 @@ ssl::context tlsContext(const ServerIdentity& identity)
     context.set_options(ssl::context::default_workarounds | ssl::context::no_compression);
     SSL_CTX_set_min_proto_version(context.native_handle(), TLS1_2_VERSION);
     SSL_CTX_set_options(context.native_handle(), SSL_OP_NO_RENEGOTIATION);
-    // Most of many kept-alive connections are idle: they need no buffers.
-    SSL_CTX_set_mode(context.native_handle(), SSL_MODE_RELEASE_BUFFERS);
     context.use_certificate_chain(asio::buffer(identity.certificate));
     context.use_private_key(asio::buffer(identity.key), ssl::context::pem);
     return context;

@@ -58,12 +58,16 @@ Router allRoutes()
     return router;
 }
 
-WireReply wireReply(unsigned status, const Answer& answer)
+WireReply wireReply(unsigned status, Answer answer)
 {
-    nlohmann::json body{{"error", {{"code", answer.code}, {"description", answer.text}}}};
+    // Filled member by member: what stands in an initialiser list is copied.
+    nlohmann::json body;
     if (!answer.data.is_null()) {
-        body["data"] = answer.data;
+        body["data"] = std::move(answer.data);
     }
+    nlohmann::json& error = body["error"];
+    error["code"] = answer.code;
+    error["description"] = std::move(answer.text);
     // A description may quote bytes of the client that are no UTF-8.
     return {status, body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace), {}};
 }
@@ -117,7 +121,7 @@ WireReply RequestPipeline::handle(const WireRequest& request)
         result = {kInternal, std::string("The array could not do it: ") + error.what(), nlohmann::json::object()};
     }
     passage.entry.code = result.code;
-    WireReply reply = wireReply(result.code == kUnknownOperation ? 404 : 200, result);
+    WireReply reply = wireReply(result.code == kUnknownOperation ? 404 : 200, std::move(result));
     reply.headers = std::move(passage.headers);
     if (passage.fault) {
         reply = spoiled(std::move(reply), *passage.fault);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -127,6 +128,30 @@ TEST_F(HttpServerTest, ServesManyConnectionsAtOnceOnFewThreads)
     }
     EXPECT_EQ(answered, 160);
     EXPECT_EQ(m_server.requestCount(), 160u);
+}
+
+TEST_F(HttpServerTest, KeepsFiveHundredConnectionsAtOnce)
+{
+    // Both ends of each connection are in this process.
+    rlimit descriptors{};
+    getrlimit(RLIMIT_NOFILE, &descriptors);
+    const rlimit before = descriptors;
+    descriptors.rlim_cur = descriptors.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &descriptors);
+    std::vector<std::unique_ptr<HttpsClient>> clients;
+    for (int index = 0; index < 500; ++index) {
+        clients.push_back(std::make_unique<HttpsClient>(url(), m_server.caFile()));
+        ASSERT_EQ(clients.back()->send("GET", "/nosuch").status, 404) << index;
+    }
+    long opened = 0;
+    for (const auto& client : clients) {
+        const HttpsReply reply = client->send("GET", "/nosuch");
+        EXPECT_EQ(reply.status, 404);
+        opened += reply.newConnections;
+    }
+    EXPECT_EQ(opened, 0) << "connections that the server did not keep";
+    clients.clear();
+    setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST_F(HttpServerTest, IsNotHeldUpByClientsThatSayNothing)
