@@ -4,6 +4,8 @@
 #include "HttpMessages.h"
 
 #include <boost/asio/dispatch.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
@@ -47,8 +49,11 @@ private:
     Number m_amount;
 };
 
-/// One client, on a strand of its own, request after request. Nothing here ever waits: a client that is slow, silent or
-/// stalled by a fault costs some memory, and no thread.
+/// TCP on a context that one thread runs: its type is known down to the executor, which costs less than one that may be any.
+using TcpStream = boost::beast::basic_stream<boost::asio::ip::tcp, boost::asio::io_context::executor_type>;
+
+/// One client, request after request, always on the one thread of its context. Nothing here ever waits: a client that is slow,
+/// silent or stalled by a fault costs some memory, and holds up nobody.
 template <typename Stream>
 class HttpConnection : public std::enable_shared_from_this<HttpConnection<Stream>> {
 public:
@@ -72,7 +77,7 @@ public:
 
 private:
     using Error = boost::beast::error_code;
-    static constexpr bool kTls = !std::is_same_v<Stream, boost::beast::tcp_stream>;
+    static constexpr bool kTls = !std::is_same_v<Stream, TcpStream>;
     static constexpr std::chrono::seconds kHandshakeTime{15};
     static constexpr std::chrono::seconds kClosingTime{5};
     static constexpr std::size_t kKeptBytes = 16 * 1024;  // a larger buffer is not kept for the next answer
@@ -273,7 +278,9 @@ private:
     bool m_keepAlive = true;
     bool m_headersOnly = false;
     Stream m_stream;
-    boost::asio::steady_timer m_timer;
+    boost::asio::basic_waitable_timer<std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>,
+                                      boost::asio::io_context::executor_type>
+        m_timer;
     boost::beast::flat_buffer m_buffer;
     std::optional<RequestParser> m_parser;
     std::string m_out;

@@ -2,10 +2,7 @@
 
 #include "HttpConnection.h"
 
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/strand.hpp>
-
+#include <deque>
 #include <iostream>
 #include <thread>
 
@@ -22,8 +19,9 @@ using tcp = boost::asio::ip::tcp;
 constexpr unsigned kToldOfTheLimit = 64;
 constexpr std::chrono::milliseconds kAcceptPause{100};
 
-using PlainConnection = HttpConnection<beast::tcp_stream>;
-using TlsConnection = HttpConnection<beast::ssl_stream<beast::tcp_stream>>;
+using Socket = asio::basic_stream_socket<tcp, asio::io_context::executor_type>;
+using PlainConnection = HttpConnection<TcpStream>;
+using TlsConnection = HttpConnection<beast::ssl_stream<TcpStream>>;
 
 ssl::context tlsContext(const ServerIdentity& identity)
 {
@@ -43,10 +41,9 @@ public:
     Implementation(HttpService& service, const HttpLimits& limits, unsigned threads,
                    const std::optional<ServerIdentity>& identity)
         : m_shared{service, limits},
-          m_threadCount(threads == 0 ? 1 : threads),
-          m_context(static_cast<int>(m_threadCount)),
-          m_acceptor(asio::make_strand(m_context)),
-          m_pause(m_acceptor.get_executor())
+          m_contexts(makeContexts(threads)),
+          m_acceptor(m_contexts.front()),
+          m_pause(m_contexts.front())
     {
         if (identity) {
             m_tls.emplace(tlsContext(*identity));
@@ -64,15 +61,17 @@ public:
         m_acceptor.listen(asio::socket_base::max_listen_connections);
         const std::uint16_t bound = m_acceptor.local_endpoint().port();
         accept();
-        for (unsigned index = 0; index < m_threadCount; ++index) {
-            m_threads.emplace_back([this] { run(); });
+        for (asio::io_context& context : m_contexts) {
+            m_threads.emplace_back([&context] { run(context); });
         }
         return bound;
     }
 
     void stop()
     {
-        m_context.stop();
+        for (asio::io_context& context : m_contexts) {
+            context.stop();
+        }
         for (std::thread& thread : m_threads) {
             thread.join();
         }
@@ -80,11 +79,23 @@ public:
     }
 
 private:
-    void run()
+    static std::deque<asio::io_context> makeContexts(unsigned threads)
     {
-        while (!m_context.stopped()) {
+        constexpr int kRunByOneThread = 1;
+        std::deque<asio::io_context> contexts;
+        for (unsigned index = 0; index < std::max(threads, 1u); ++index) {
+            contexts.emplace_back(kRunByOneThread);
+        }
+        return contexts;
+    }
+
+    static void run(asio::io_context& context)
+    {
+        // What is run must not end for want of work: the connections come later.
+        const auto work = asio::make_work_guard(context);
+        while (!context.stopped()) {
             try {
-                m_context.run();
+                context.run();
             } catch (const std::exception& error) {
                 // One request that fails badly (no memory) ends its own connection and nothing else.
                 std::cerr << "a request failed: " << error.what() << std::endl;
@@ -94,7 +105,9 @@ private:
 
     void accept()
     {
-        m_acceptor.async_accept(asio::make_strand(m_context), [this](beast::error_code error, tcp::socket socket) {
+        // Connections are dealt out to the threads in turn.
+        asio::io_context& context = m_contexts[m_connectionNumber % m_contexts.size()];
+        m_acceptor.async_accept(context, [this](beast::error_code error, Socket socket) {
             if (error) {
                 waitAndAccept();
                 return;
@@ -106,7 +119,7 @@ private:
         });
     }
 
-    void serve(tcp::socket&& socket)
+    void serve(Socket&& socket)
     {
         beast::error_code ignored;
         socket.set_option(tcp::no_delay(true), ignored);
@@ -131,10 +144,9 @@ private:
     }
 
     HttpShared m_shared;
-    unsigned m_threadCount;
     std::uint64_t m_connectionNumber = 0;
     std::optional<ssl::context> m_tls;
-    asio::io_context m_context;
+    std::deque<asio::io_context> m_contexts;  ///< one a thread
     tcp::acceptor m_acceptor;
     asio::steady_timer m_pause;
     std::vector<std::thread> m_threads;
