@@ -7,6 +7,7 @@ extendedTests() {
     extendedCheck coverage Coverage "$TOP/scripts/coverage.sh"
     extendedCheck mutants Mutants "$TOP/scripts/mutants.sh"
     extendedTidy
+    extendedKernelHost LifeLong life_tests --rounds=50
 }
 
 measureCoverage() {                          # scripts/test.sh --coverage: this one alone
@@ -30,4 +31,10 @@ extendedTidy() {                             # clang-tidy runs as part of a buil
     configurePreset tidy >&2
     echo "add_test(ClangTidy ninja -C \"$TOP/build/tidy\" -j $(nproc) --quiet)"
     echo "set_tests_properties(ClangTidy PROPERTIES LABELS tidy TIMEOUT 3600 RUN_SERIAL ON)"
+}
+
+extendedKernelHost() {                       # NAME PROGRAM ARGUMENT...: a scenario of the kernel host in its long form
+    echo "add_test(KernelHost.$1 \"$TOP/tests/kernel_host/run-in-guest.sh\" --limit 1700 --"
+    echo "  \"$TOP/build/release/bin/$2\" --gtest_brief=0 ${*:3})"
+    echo "set_tests_properties(KernelHost.$1 PROPERTIES LABELS kernel_host_long TIMEOUT 1800)"
 }

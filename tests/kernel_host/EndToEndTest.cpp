@@ -1,103 +1,14 @@
 // The main job against the simulated array and a real kernel: runs as root inside the kernel host's guest and nowhere else.
-#include "support/HostClient.h"
+#include "HostDisks.h"
+#include "KernelHost.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <fstream>
 #include <future>
-#include <memory>
-#include <stdexcept>
-#include <string>
 
+namespace brevan::test {
 namespace {
 
-using brevan::lastFailure;
-using brevan::sim::ArrayServer;
-using brevan::test::HostClient;
-using brevan::test::trust;
-using brevan::test::waitForNewSecond;
-
-constexpr const char* kOtherInitiator = "iqn.2020-01.lab:somebody-else";
-
-/// The standard output of a command that has to succeed.
-std::string run(const std::string& command)
-{
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen((command + " 2>&1").c_str(), "r"), pclose);
-    std::string output;
-    for (int c = 0; (c = std::fgetc(pipe.get())) != EOF;) {
-        output += static_cast<char>(c);
-    }
-    if (pclose(pipe.release()) != 0) {
-        throw std::runtime_error(command + " failed: " + output);
-    }
-    return output;
-}
-
-std::string ownInitiator()
-{
-    std::ifstream file("/etc/iscsi/initiatorname.iscsi");
-    std::string line;
-    std::getline(file, line);
-    return line.substr(line.find('=') + 1);
-}
-
-brevan::sim::ServerOptions arrayOptions(const std::string& folder)
-{
-    auto options = brevan::test::arrayOptions(folder);
-    options.volumeDirectory = folder + "/volumes";
-    options.iscsiInitiators = {ownInitiator(), kOtherInitiator};
-    return options;
-}
-
-/// One array with the kernel's iSCSI target behind it, to which this host is logged in, for all tests; a session for each.
-class EndToEnd : public testing::Test {
-protected:
-    static void SetUpTestSuite()
-    {
-        auto options = arrayOptions("/tmp/array");
-        options.exposure = brevan::sim::Exposure::kLio;
-        array = std::make_unique<ArrayServer>(options);
-        array->start();
-        run("iscsiadm -m discovery -t st -p 127.0.0.1");
-        run("iscsiadm -m node --login");
-    }
-
-    static void TearDownTestSuite()
-    {
-        run("iscsiadm -m session -u");
-        array.reset();
-    }
-
-    void SetUp() override
-    {
-        trust(*array);
-        ASSERT_EQ(client.login(*array), 1) << lastFailure().text;
-    }
-
-    /// Whether the array shows the volume to this host.
-    static bool isExposed(const std::string& wwn)
-    {
-        auto plan = array->exposed();
-        for (const auto& [number, volume] : plan[ownInitiator()]) {
-            if (volume.wwn == wwn) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    static std::unique_ptr<ArrayServer> array;
-    HostClient client{ownInitiator()};
-};
-
-std::unique_ptr<ArrayServer> EndToEnd::array;
-
-/// The host forgets a disk that was detached: by hand, since the array cannot make it.
-void deleteDisk(const std::string& wwn)
-{
-    run("echo 1 >/sys/block/$(basename $(readlink /dev/disk/by-id/wwn-0x" + wwn + "))/device/delete && udevadm settle");
-}
+using sim::ArrayServer;
+using EndToEnd = KernelHost;
 
 TEST_F(EndToEnd, FindsTheDiskOfAnAttachedLunAndDetachesIt)
 {
@@ -108,11 +19,11 @@ TEST_F(EndToEnd, FindsTheDiskOfAnAttachedLunAndDetachesIt)
     const std::string path = client.scan(lun.ID);
     ASSERT_NE(path, "") << lastFailure().text;
     EXPECT_TRUE(isExposed(lun.WWN));
-    EXPECT_NE(run("sg_inq -p 0x83 " + path).find(lun.WWN), std::string::npos);
+    EXPECT_EQ(wwnBySgInq(path), lun.WWN);
     client.detach(lun.ID);
     EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
     EXPECT_FALSE(isExposed(lun.WWN));
-    deleteDisk(lun.WWN);
+    deleteDisk(path);
     EXPECT_EQ(client.scan(lun.ID), "");
     EXPECT_EQ(client.manager->logoutDevice(), 1);
 }
@@ -130,17 +41,19 @@ TEST_F(EndToEnd, TellsThatTheSessionIsGone)
     const LunMO lun = client.createLun();
     array->endAllSessions();
     EXPECT_EQ(client.attach(lun.ID), 0);
-    EXPECT_EQ(lastFailure().code, brevan::FAILURE_SESSION_EXPIRED);
+    EXPECT_EQ(lastFailure().code, FAILURE_SESSION_EXPIRED);
     EXPECT_EQ(lastFailure().advice, "Log in again.");
     EXPECT_EQ(client.scan(lun.ID), "");
-    EXPECT_EQ(lastFailure().code, brevan::FAILURE_SESSION_EXPIRED);
+    EXPECT_EQ(lastFailure().code, FAILURE_SESSION_EXPIRED);
     ASSERT_EQ(client.login(*array), 1);
     EXPECT_EQ(client.get<CLunHandler>(HANDLER_LUN).getLun(lun.ID).ID, lun.ID);
 }
 
 TEST_F(EndToEnd, TellsThatTheArrayHasStopped)
 {
-    ArrayServer brief(arrayOptions("/tmp/brief"));
+    auto options = lioOptions("/tmp/brief");
+    options.exposure = sim::Exposure::kNone;
+    ArrayServer brief(options);
     brief.start();
     trust(brief);
     HostClient other(ownInitiator());
@@ -149,7 +62,7 @@ TEST_F(EndToEnd, TellsThatTheArrayHasStopped)
     brief.stop();
     EXPECT_EQ(other.attach(lun.ID), 0);
     // Whether the end of the warm connection is noticed before or after the request went out is a matter of microseconds.
-    EXPECT_TRUE(lastFailure().code == brevan::FAILURE_NO_CONNECTION || lastFailure().code == brevan::FAILURE_CONNECTION_LOST)
+    EXPECT_TRUE(lastFailure().code == FAILURE_NO_CONNECTION || lastFailure().code == FAILURE_CONNECTION_LOST)
         << lastFailure().text;
     EXPECT_THROW(other.get<CLunHandler>(HANDLER_LUN).getLun(lun.ID), PlimAPIException);
 }
@@ -191,7 +104,7 @@ TEST_F(EndToEnd, KeepsTheHostOfAnInitiatorThatIsBound)
 }
 
 /// An attach that begins with the next second, and what it tells of itself.
-std::future<brevan::Failure> attachInNewSecond(const ArrayServer& array, const std::string& lunId)
+std::future<Failure> attachInNewSecond(const ArrayServer& array, const std::string& lunId)
 {
     return std::async(std::launch::async, [&array, lunId] {
         HostClient own(ownInitiator());
@@ -210,13 +123,13 @@ TEST_F(EndToEnd, FailsOneOfTwoAttachesInOneSecond)
         const LunMO second = client.createLun();
         auto one = attachInNewSecond(*array, first.ID);
         auto other = attachInNewSecond(*array, second.ID);
-        const brevan::Failure ofFirst = one.get();
-        const brevan::Failure ofSecond = other.get();
+        const Failure ofFirst = one.get();
+        const Failure ofSecond = other.get();
         if (ofFirst.empty() && ofSecond.empty()) {
             continue;
         }
         EXPECT_NE(ofFirst.empty(), ofSecond.empty()) << ofFirst.text << " / " << ofSecond.text;
-        const brevan::Failure& why = ofFirst.empty() ? ofSecond : ofFirst;
+        const Failure& why = ofFirst.empty() ? ofSecond : ofFirst;
         EXPECT_TRUE(why.operation == "createLunGroup" || why.operation == "createHost") << why.text;
         waitForNewSecond();
         EXPECT_EQ(client.attach(ofFirst.empty() ? second.ID : first.ID), 0);
@@ -237,3 +150,4 @@ TEST_F(EndToEnd, ReturnsNoPathForADiskThatNeverShowsUp)
 }
 
 }  // namespace
+}  // namespace brevan::test

@@ -96,6 +96,11 @@ public:
         scanner().scanLunBeforeDetach(lunId);
         get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).detachLunFromHost(lunId, m_initiator);
     }
+    void beforeSnapshotDetach(std::string id) { scanner().scanSnapshotBeforeDetach(id); }
+    void detachSnapshot(const std::string& id)
+    {
+        get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).detachSnapshotFromHost(id, m_initiator);
+    }
 
     std::string hostOfInitiator()
     {
