@@ -92,13 +92,14 @@ int serve(ProgramOptions options)
     }
     ArrayServer server(options.server);
     server.start();
-    if (!options.portFile.empty()) {
-        writeFileAtomically(options.portFile, std::to_string(server.port()) + "\n");
-    }
     if (server.controlPort() != 0) {
         std::cout << "control port http://127.0.0.1:" << server.controlPort() << "\n";
     }
     std::cout << "certificate authority " << server.caFile() << "\nlistening on " << url(server) << std::endl;
+    // Last, so that who waits for this file finds all of the above.
+    if (!options.portFile.empty()) {
+        writeFileAtomically(options.portFile, std::to_string(server.port()) + "\n");
+    }
     int signal = 0;
     sigwait(&signals, &signal);
     server.stop();

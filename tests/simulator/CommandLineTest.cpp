@@ -110,3 +110,37 @@ TEST_F(CommandLine, TellsItsVersion)
     EXPECT_EQ(m_status, 0);
     EXPECT_EQ(m_output.str().find("brevan-array-sim "), 0u) << m_output.str();
 }
+
+TEST_F(CommandLine, TakesWhatMakesTheArrayDifficult)
+{
+    const auto options =
+        read({"--control-port", "0", "--latency", "5ms", "--bandwidth", "1MB/s", "--journal", "/tmp/journal",
+              "--journal-entries", "7", "--max-connections", "9", "--connection-idle", "30s"});
+    ASSERT_TRUE(options) << m_errors.str();
+    EXPECT_EQ(options->server.controlPort, std::uint16_t{0});
+    EXPECT_EQ(options->server.latency, std::chrono::milliseconds(5));
+    EXPECT_EQ(options->server.bandwidth, 1000000u);
+    EXPECT_EQ(options->server.journalFile, "/tmp/journal");
+    EXPECT_EQ(options->server.journalEntries, 7u);
+    EXPECT_EQ(options->server.limits.connections, 9u);
+    EXPECT_EQ(options->server.limits.idle, std::chrono::seconds(30));
+    EXPECT_FALSE(read({})->server.controlPort);
+}
+
+TEST_F(CommandLine, RefusesAmountsThatMeanNothing)
+{
+    const std::pair<std::vector<const char*>, const char*> kWrong[] = {
+        {{"--latency", "5"}, "--latency: '5' is not a time of at most an hour, such as 5ms or 2s"},
+        {{"--connection-idle", "2h"}, "--connection-idle: '2h' is not a time of at most an hour"},
+        {{"--connection-idle", "0s"}, "--connection-idle: "},
+        {{"--bandwidth", "fast"}, "--bandwidth: 'fast' is not a rate such as 500kB/s or 1MB/s"},
+        {{"--max-connections", "0"}, "--max-connections: "},
+        {{"--journal-entries", "-1"}, "--journal-entries: "},
+        {{"--control-port", "65536"}, "--control-port"}};
+    for (const auto& [arguments, text] : kWrong) {
+        m_errors.str("");
+        EXPECT_FALSE(read(arguments)) << text;
+        EXPECT_EQ(m_status, kUsageError);
+        EXPECT_NE(m_errors.str().find(text), std::string::npos) << m_errors.str();
+    }
+}

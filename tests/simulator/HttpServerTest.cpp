@@ -171,6 +171,52 @@ TEST_F(HttpServerTest, IsNotHeldUpByClientsThatSayNothing)
     }
 }
 
+TEST_F(HttpServerTest, TellsConnectionsAndSessionsApartInTheJournal)
+{
+    ServedClient first(m_server);
+    ServedClient second(m_server);
+    first.get("/lun/count?");
+    second.client().set(CURLOPT_FRESH_CONNECT, 1L);
+    second.get("/lun/count?");
+    m_client.send("GET", "/nosuch");
+    const auto entries = m_server.journal();
+    ASSERT_EQ(entries.size(), 5u);
+    const std::uint64_t kConnections[] = {1, 2, 1, 3, 4};
+    const std::uint64_t kSessions[] = {1, 2, 1, 2, 0};
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        EXPECT_EQ(entries[index].number, index + 1);
+        EXPECT_EQ(entries[index].connection, kConnections[index]) << index;
+        EXPECT_EQ(entries[index].session, kSessions[index]) << index;
+        EXPECT_GE(entries[index].time, entries[0].time);
+        EXPECT_GT(entries[index].duration.count(), 0);
+    }
+    EXPECT_EQ(entries[0].body, R"({"username":"admin","password":"***","scope":0})");
+}
+
+TEST_F(HttpServerTest, WritesWhatItRefusesIntoTheJournal)
+{
+    EXPECT_EQ(m_client.send("GET", "/x", "", {"X-Long: " + std::string(20000, 'x')}).status, 431);
+    const auto entries = m_server.journal();
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].status, 431u);
+    EXPECT_EQ(entries[0].code, kBadHttp);
+    EXPECT_EQ(entries[0].connection, 1u);
+    EXPECT_EQ(entries[0].operation, "");
+}
+
+TEST(HttpServer, AnswersWithACodeOfItsOwnWhenItIsFull)
+{
+    ServerOptions options = testOptions();
+    options.limits.connections = 1;
+    const StartedServer server(options);
+    ServedClient first(server);
+    HttpsClient second(httpsUrl(server), server.caFile());
+    const HttpsReply reply = second.send("GET", "/nosuch");
+    EXPECT_EQ(reply.status, 503);
+    EXPECT_EQ(codeOf(reply), kOverloaded);
+    EXPECT_EQ(codeOf(first.get("/lun/count?")), kDone);
+}
+
 TEST(HttpServer, ListensOnIpv6)
 {
     ServerOptions options = testOptions();

@@ -19,6 +19,20 @@ TEST_F(Program, ServesUntilItIsAskedToEnd)
     }
 }
 
+TEST_F(Program, HasAControlPortAndWritesItsJournal)
+{
+    start({"--port-file", file("port"), "--ca-file", file("ca.pem"), "--control-port", "0", "--journal", file("journal")});
+    HttpsClient client("https://127.0.0.1:" + port(), file("ca.pem"));
+    EXPECT_EQ(client.send("GET", "/deviceManager/rest/x/lun").status, 200);
+    const std::string output = content("output");
+    const std::size_t begin = output.find("control port http://") + 13;
+    HttpsClient control(output.substr(begin, output.find('\n', begin) - begin), "");
+    EXPECT_NE(control.send("GET", "/journal").body.find("\"path\":\"/lun\""), std::string::npos);
+    EXPECT_NE(content("journal").find("\"path\":\"/lun\""), std::string::npos);
+    kill(m_pid, SIGTERM);
+    EXPECT_EQ(exitStatus(), 0);
+}
+
 TEST_F(Program, EndsWithStatus2ForFlagsThatDoNotDo)
 {
     for (const char* flag : {"--nosuch", "--device-id=a/b", "--exposure=lio"}) {
