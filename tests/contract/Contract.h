@@ -5,6 +5,8 @@
 #include "Sdk.h"
 #include "Steps.h"
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -21,21 +23,24 @@ namespace brevan::contract {
 class Call {
 public:
     template <class Body>
-    Call(Body body)
+    Call(Body body) : m_call([body](Sdk& sdk) mutable { return resultOf(body, sdk); })
     {
-        m_call = [body](Sdk& sdk) mutable -> std::string {
-            if constexpr (std::is_void_v<std::invoke_result_t<Body, Sdk&>>) {
-                body(sdk);
-                return "";
-            } else {
-                return show(body(sdk));
-            }
-        };
     }
 
     std::string operator()(Sdk& sdk) const { return m_call(sdk); }
 
 private:
+    template <class Body>
+    static std::string resultOf(Body& body, Sdk& sdk)
+    {
+        if constexpr (std::is_void_v<std::invoke_result_t<Body, Sdk&>>) {
+            body(sdk);
+            return "";
+        } else {
+            return show(body(sdk));
+        }
+    }
+
     std::function<std::string(Sdk&)> m_call;
 };
 

@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/ipc.h>
+#include <sys/sem.h>
+
 #include <sstream>
 
 // Start and stop of the process's services, and the handlers that a device manager hands out.
@@ -100,11 +103,12 @@ TEST_F(DeviceManager, WritesAllElevenArgumentsOfARecord)
 
 namespace {
 
+/// 1: of that class, and the same object a second time.
 template <class Handler>
-bool isOf(CDeviceManager& manager, HANDLERTYPE type)
+int isOf(CDeviceManager& manager, HANDLERTYPE type)
 {
     CHandler* const handler = manager.getHandler(type);
-    return dynamic_cast<Handler*>(handler) != nullptr && manager.getHandler(type) == handler;
+    return dynamic_cast<Handler*>(handler) != nullptr && manager.getHandler(type) == handler ? 1 : 0;
 }
 
 int rightHandlers(CDeviceManager& manager)
@@ -128,17 +132,33 @@ int handlersOfOtherNumbers(CDeviceManager& manager)
     return found;
 }
 
+int lockOf(int flags)
+{
+    return semget(1235, 1, flags);
+}
+
 }  // namespace
 
 /// In a process of its own: the scanner's making is remembered.
 Table handlerContract()
 {
+    const Call free = [](Sdk& sdk) {
+        sdk.scanner();
+        return semctl(lockOf(0), 0, GETVAL);
+    };
+    const Call held = [](Sdk& sdk) {
+        lockOf(IPC_CREAT | 0600);  // its value is 0
+        sdk.scanner();
+        return semctl(lockOf(0), 0, GETVAL);
+    };
     return {Operation("getHandler")
                 .succeeds(
                     "thirteen types, the same object every time", [](Sdk& sdk) { return rightHandlers(sdk.manager); },
                     kLockMade, "13")
                 .succeeds(
-                    "no other number", [](Sdk& sdk) { return handlersOfOtherNumbers(sdk.manager); }, {}, "0")};
+                    "no other number", [](Sdk& sdk) { return handlersOfOtherNumbers(sdk.manager); }, {}, "0")
+                .succeeds("the scanner's lock is free", free, kLockMade, "1")
+                .succeeds("a lock of another process is left as it is", held, "info: Sem exists.SemId:[1]", "0")};
 }
 
 BREVAN_CONTRACT(Handlers, rowsAlone(handlerContract()));

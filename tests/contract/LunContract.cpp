@@ -184,7 +184,7 @@ LunQuery every()
 }
 
 Operation batch(const std::string& name, const std::string& message, const std::string& associate,
-                std::function<std::vector<LunMO>(Sdk&, const char* id, LunQuery query)> get)
+                std::vector<LunMO> (CLunHandler::*get)(const std::string&, LunQuery&))
 {
     const std::string all = "GET /lun/associate?TYPE=11&" + associate;
     const std::string filtered =
@@ -194,22 +194,23 @@ Operation batch(const std::string& name, const std::string& message, const std::
         associate + "&range=[10-15]";
     LunMO outside;
     outside.ISADD2LUNGROUP = 0;
+    const auto with = [get](const char* id, LunQuery query) {
+        return [=](Sdk& sdk) mutable { return (sdk.lun().*get)(id, query); };
+    };
     return Operation(name)
-        .succeeds(
-            "all, one read for each", [get](Sdk& sdk) { return get(sdk, "3", LunQuery()); },
-            done(name, done("getLunByCondition", {send(all, R"([{"ID":"7"},{"NAME":"without ID"},{"ID":"8"}])"),
-                                                  done("getLun", send("GET /lun/7", kSeven)),
-                                                  done("getLun", send("GET /lun/8", R"({"ID":"8"})"))})),
-            std::string("[") + kReadSeven + "] [" + kReadEight + "]")
+        .succeeds("all, one read for each", with("3", LunQuery()),
+                  done(name, done("getLunByCondition", {send(all, R"([{"ID":"7"},{"NAME":"without ID"},{"ID":"8"}])"),
+                                                        done("getLun", send("GET /lun/7", kSeven)),
+                                                        done("getLun", send("GET /lun/8", R"({"ID":"8"})"))})),
+                  std::string("[") + kReadSeven + "] [" + kReadEight + "]")
         .failsAt(all, {name, "getLunByCondition"})
         .failsAt("GET /lun/8", {name, "getLunByCondition", "getLun"})
+        .succeeds("with every condition and a range", with("3", every()),
+                  done(name, done("getLunByCondition", send(filtered))))
         .succeeds(
-            "with every condition and a range", [get](Sdk& sdk) { return get(sdk, "3", every()); },
-            done(name, done("getLunByCondition", send(filtered))))
-        .succeeds(
-            "with a tri-state that is set to 0", [=](Sdk& sdk) { return get(sdk, "3", LunQuery(outside, 9, 0)); },
+            "with a tri-state that is set to 0", with("3", LunQuery(outside, 9, 0)),
             done(name, done("getLunByCondition", send("GET /lun/associate?filter=ISADD2LUNGROUP:0&TYPE=11&" + associate))))
-        .refuses(message, [get](Sdk& sdk) { return get(sdk, "", LunQuery()); });
+        .refuses(message, with("", LunQuery()));
 }
 
 }  // namespace
@@ -222,9 +223,8 @@ Table lunContract()
             getLun(),
             getUnusableLun(),
             batch("getLunByLunGroup", "LunGroup id is empty! ", "ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=3",
-                  [](Sdk& sdk, const char* id, LunQuery query) { return sdk.lun().getLunByLunGroup(id, query); }),
-            batch("getLunByHost", "hostID is empty! ", "ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=3",
-                  [](Sdk& sdk, const char* id, LunQuery query) { return sdk.lun().getLunByHost(id, query); })};
+                  &CLunHandler::getLunByLunGroup),
+            batch("getLunByHost", "hostID is empty! ", "ASSOCIATEOBJTYPE=21&ASSOCIATEOBJID=3", &CLunHandler::getLunByHost)};
 }
 
 BREVAN_CONTRACT(Lun, rowsOf(lunContract()));
