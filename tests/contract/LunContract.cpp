@@ -188,9 +188,8 @@ Operation batch(const std::string& name, const std::string& message, const std::
 {
     const std::string all = "GET /lun/associate?TYPE=11&" + associate;
     const std::string filtered =
-        "GET /lun/associate?filter=ID:7 and NAME:vol and PARENTID:0 and ALLOCTYPE:1 and RUNNINGSTATUS:27 and HEALTHSTATUS:1 "
-        "and "
-        "ISADD2LUNGROUP:1&TYPE=11&" +
+        "GET /lun/associate?filter=ID:7 and NAME:vol and PARENTID:0 and ALLOCTYPE:1 and RUNNINGSTATUS:27 and "
+        "HEALTHSTATUS:1 and ISADD2LUNGROUP:1&TYPE=11&" +
         associate + "&range=[10-15]";
     LunMO outside;
     outside.ISADD2LUNGROUP = 0;
