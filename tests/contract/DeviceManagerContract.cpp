@@ -144,7 +144,9 @@ Table handlerContract()
 {
     const Call free = [](Sdk& sdk) {
         sdk.scanner();
-        return semctl(lockOf(0), 0, GETVAL);
+        semid_ds status{};
+        semctl(lockOf(0), 0, IPC_STAT, &status);
+        return std::to_string(semctl(lockOf(0), 0, GETVAL)) + (status.sem_perm.mode == 0600 ? ", the owner's alone" : "");
     };
     const Call held = [](Sdk& sdk) {
         lockOf(IPC_CREAT | 0600);  // its value is 0
@@ -157,7 +159,7 @@ Table handlerContract()
                     kLockMade, "13")
                 .succeeds(
                     "no other number", [](Sdk& sdk) { return handlersOfOtherNumbers(sdk.manager); }, {}, "0")
-                .succeeds("the scanner's lock is free", free, kLockMade, "1")
+                .succeeds("the scanner's lock is free", free, kLockMade, "1, the owner's alone")
                 .succeeds("a lock of another process is left as it is", held, "info: Sem exists.SemId:[1]", "0")};
 }
 
