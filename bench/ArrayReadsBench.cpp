@@ -2,8 +2,10 @@
 // than for a single record. Both as a client sees it: over HTTPS, on a connection that is kept alive.
 #include "Measurement.h"
 #include "simulator/ArrayServer.h"
+#include "simulator/Files.h"
 #include "tests/simulator/HttpsSession.h"
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -16,29 +18,45 @@ using namespace brevan::bench;
 constexpr int kLuns = 100000;
 constexpr int kMembers = 1000;
 constexpr std::size_t kRecords = 100;
-constexpr int kRounds = 2000;
-// The array's ports have the IDs before it.
-constexpr int kGroup = 8;
+constexpr int kRounds = 6000;
+constexpr int kFirstLun = 10;
 
-ServerOptions options()
+/// 100,000 LUNs, every hundredth of them in a LUN group.
+std::string inventory()
+{
+    std::string luns;
+    std::string members;
+    for (int index = 0; index < kLuns; ++index) {
+        const std::string id = std::to_string(kFirstLun + index);
+        luns += (index == 0 ? "{\"ID\":" : ",{\"ID\":") + id + R"(,"NAME":"lun_)" + id +
+                R"(","PARENTID":0,"CAPACITY":2048,"ALLOCTYPE":1})";
+        if (index % (kLuns / kMembers) == 0) {
+            members += (index == 0 ? "" : ",") + id;
+        }
+    }
+    return R"({"version": 1, "pools": [{"ID": 0, "NAME": "pool", "CAPACITY": 2048}], "luns": [)" + luns +
+           R"(], "lun_groups": [{"ID": 1, "NAME": "group", "LUNS": [)" + members + "]}]}";
+}
+
+/// A file that is removed at the end.
+class SeedFile {
+public:
+    SeedFile() { brevan::sim::writeFileAtomically(path(), inventory()); }
+    ~SeedFile() { std::filesystem::remove_all(m_directory); }
+    SeedFile(const SeedFile&) = delete;
+    SeedFile& operator=(const SeedFile&) = delete;
+    std::string path() const { return m_directory + "/seed.json"; }
+
+private:
+    std::string m_directory = brevan::sim::makePrivateDirectory();
+};
+
+ServerOptions options(const SeedFile& seed)
 {
     ServerOptions options;
     options.password = "secret";
+    options.seed = seed.path();
     return options;
-}
-
-/// 100,000 LUNs, every hundredth of them in a LUN group.
-void fill(ArrayServer& array, HttpsSession& client)
-{
-    client.send("POST", "/lungroup/", R"({"NAME":"group"})");
-    const std::string group = std::to_string(kGroup);
-    for (int index = 0; index < kLuns; ++index) {
-        const std::string lun = array.addLun("lun_" + std::to_string(index), "0", 1048576);
-        if (index % (kLuns / kMembers) == 0) {
-            client.send("POST", "/lungroup/associate",
-                        R"({"ID":")" + group + R"(","ASSOCIATEOBJTYPE":11,"ASSOCIATEOBJID":")" + lun + "\"}");
-        }
-    }
 }
 
 std::size_t recordsIn(const std::string& reply)
@@ -69,13 +87,13 @@ void compare(HttpsSession& client, const std::string& name, const std::string& l
 
 int main()
 {
-    ArrayServer array(options());
+    const SeedFile seed;
+    ArrayServer array(options(seed));
     array.start();
     HttpsSession client(std::to_string(array.port()), array.caFile());
-    fill(array, client);
-    const std::string list =
-        "/lun/associate?filter=ALLOCTYPE:1%20and%20ISADD2LUNGROUP:1&TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=" +
-        std::to_string(kGroup) + "&range=[500-600]";
-    compare(client, "array: 100 LUNs of a group among 100,000, against one LUN", list, "/lun/50000");
+    compare(client, "array: 100 LUNs of a group among 100,000, against one LUN",
+            "/lun/associate?filter=ALLOCTYPE:1%20and%20ISADD2LUNGROUP:1&TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=1"
+            "&range=[0-100]",
+            "/lun/50000");
     return 0;
 }

@@ -96,7 +96,7 @@ public:
         std::string id;
         pipeline.perform([&](RequestContext& context) {
             context.body = RequestBody(body.dump());
-            id = match.route->handler(context).data.at("ID").get<std::string>();
+            id = nlohmann::json::parse(match.route->handler(context).data).at("ID").get<std::string>();
         });
         return id;
     }

@@ -12,6 +12,7 @@ namespace {
 
 // Filters make statements of many texts; beyond this many the store starts again instead of growing.
 constexpr std::size_t kKeptStatements = 512;
+constexpr std::size_t kKeptTexts = 20000;
 
 [[noreturn]] void fail(sqlite3* handle, const std::string& what)
 {
@@ -61,11 +62,16 @@ std::int64_t Statement::number(int column) const
     return sqlite3_column_int64(m_statement, column);
 }
 
-std::string Statement::text(int column) const
+std::string_view Statement::view(int column) const
 {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
-    return bytes == nullptr ? std::string()
-                            : std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column)));
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(m_statement, column));
+    return bytes == nullptr ? std::string_view() : std::string_view(bytes, size);
+}
+
+std::string Statement::text(int column) const
+{
+    return std::string(view(column));
 }
 
 bool Statement::isNull(int column) const
@@ -201,6 +207,17 @@ std::int64_t Database::next(const std::string& counter)
     return number("UPDATE counter SET next = next + 1 WHERE name = ? RETURNING next - 1", {counter});
 }
 
+const std::string& Database::derived(const std::string& key, const std::function<std::string()>& make)
+{
+    const std::int64_t changes = sqlite3_total_changes64(m_handle.get());
+    if (changes != m_derivedAt || m_derived.size() >= kKeptTexts) {
+        m_derived.clear();
+        m_derivedAt = changes;
+    }
+    const auto known = m_derived.find(key);
+    return known != m_derived.end() ? known->second : m_derived.emplace(key, make()).first->second;
+}
+
 Transaction::Transaction(Database& database) : m_database(database)
 {
     m_database.execute("BEGIN");
@@ -209,6 +226,8 @@ Transaction::Transaction(Database& database) : m_database(database)
 Transaction::~Transaction()
 {
     if (m_open) {
+        // What is undone does not count as a change.
+        m_database.m_derived.clear();
         try {
             m_database.execute("ROLLBACK");
         } catch (const std::exception&) {

@@ -2,8 +2,10 @@
 #define BREVAN_SIMULATOR_DATABASE_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <variant>
 #include <vector>
@@ -28,6 +30,8 @@ public:
     bool step();
     std::int64_t number(int column) const;
     std::string text(int column) const;
+    /// Until the next step.
+    std::string_view view(int column) const;
     bool isNull(int column) const;
 
 private:
@@ -58,6 +62,9 @@ public:
     std::string text(const std::string& sql, const std::vector<Value>& parameters = {});
     /// The next number of a counter. It never comes back once the transaction is committed.
     std::int64_t next(const std::string& counter);
+    /// A text that follows from what is in the database: made once, and kept until anything in the database changes. Valid until
+    /// the next call.
+    const std::string& derived(const std::string& key, const std::function<std::string()>& make);
 
 private:
     struct Closer {
@@ -73,9 +80,12 @@ private:
     sqlite3_stmt* prepare(const std::string& sql);
     void script(const std::string& sql);
     void openSchema();
+    friend class Transaction;
 
     Handle m_handle;
     std::unordered_map<std::string, std::vector<Prepared>> m_statements;
+    std::unordered_map<std::string, std::string> m_derived;
+    std::int64_t m_derivedAt = -1;  ///< count of changes when these were made
 };
 
 /// All or nothing: what is not committed is undone.

@@ -141,10 +141,9 @@ const ResourceKind& lunKind()
             {"ALLOCCAPACITY", "allocated"},
             {"THINCAPACITYUSAGE", "iif(alloc_type = 1, thin_usage, NULL)"},
             {"EXPOSEDTOINITIATOR",
-             "iif(EXISTS (SELECT 1 FROM host_volume m JOIN iscsi_initiator i ON i.host_id = m.host_id"
-             " WHERE m.volume_type = 11 AND m.volume_id = lun.id)"
-             " OR EXISTS (SELECT 1 FROM host_volume m JOIN fc_initiator i ON i.host_id = m.host_id"
-             " WHERE m.volume_type = 11 AND m.volume_id = lun.id), 'true', 'false')"},
+             "iif(EXISTS (SELECT 1 FROM lun_number n WHERE n.volume_type = 11 AND n.volume_id = lun.id"
+             " AND (EXISTS (SELECT 1 FROM iscsi_initiator WHERE host_id = n.host_id)"
+             " OR EXISTS (SELECT 1 FROM fc_initiator WHERE host_id = n.host_id))), 'true', 'false')"},
             {"WWN", "wwn"},
             {"OWNINGCONTROLLER", "controller"},
             {"WORKINGCONTROLLER", "controller"},
@@ -154,9 +153,8 @@ const ResourceKind& lunKind()
             {"", "settings", Form::kMembers},
         },
         {
-            {ObjectType::kLunGroup,
-             "id IN (SELECT volume_id FROM lun_group_member WHERE group_id = ? AND volume_type = 11)"},
-            {ObjectType::kHost, "id IN (SELECT volume_id FROM host_volume WHERE host_id = ? AND volume_type = 11)"},
+            {ObjectType::kLunGroup, "group_id = ? AND volume_type = 11", "lun_group_member.volume_id"},
+            {ObjectType::kHost, "host_id = ? AND volume_type = 11", "lun_number.volume_id"},
             {ObjectType::kPool, "pool_id = ?"},
         }};
     return kKind;

@@ -21,8 +21,7 @@ Answer readOne(RequestContext& context, const ResourceKind& kind)
         const std::string table = kind.table;
         if (context.database().number("SELECT unsettled FROM " + table + " WHERE id = ?", {id}) > 0) {
             context.database().execute("UPDATE " + table + " SET unsettled = unsettled - 1 WHERE id = ?", {id});
-            return {kNotReadableYet, described(kind, context.id) + " was just created and cannot be read yet.",
-                    nlohmann::json::object()};
+            return {kNotReadableYet, described(kind, context.id) + " was just created and cannot be read yet.", "{}"};
         }
     }
     return recordAnswer(context, kind, id);
@@ -30,9 +29,7 @@ Answer readOne(RequestContext& context, const ResourceKind& kind)
 
 Answer readMany(RequestContext& context, const ResourceKind& kind)
 {
-    nlohmann::json records = readRecords(context.database(), kind, context.query);
-    // A list without records is no "data" at all.
-    return {kDone, "0", records.empty() ? nlohmann::json() : std::move(records)};
+    return {kDone, "0", readRecords(context.database(), kind, context.query)};
 }
 
 Answer readAssociated(RequestContext& context, const ResourceKind& kind)
@@ -45,7 +42,7 @@ Answer readAssociated(RequestContext& context, const ResourceKind& kind)
 Answer readCount(RequestContext& context, const ResourceKind& kind)
 {
     const std::int64_t count = countRecords(context.database(), kind, context.query);
-    return {kDone, "0", {{"COUNT", std::to_string(count)}}};
+    return {kDone, "0", R"({"COUNT":")" + std::to_string(count) + "\"}"};
 }
 
 std::string checkedName(const RequestContext& context)

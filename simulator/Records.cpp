@@ -5,14 +5,17 @@
 
 #include <algorithm>
 #include <limits>
+#include <string_view>
 
 namespace brevan::sim {
 
 namespace {
 
-/// A WHERE clause while it is put together.
+/// Which objects are wanted, while it is put together.
 struct Condition {
+    std::string from;
     std::string sql;
+    std::string order = "id";
     std::vector<Value> parameters;
 
     void add(const std::string& text, Value parameter)
@@ -28,23 +31,93 @@ std::string selection(const ResourceKind& kind)
     for (const Field& field : kind.fields) {
         columns += (columns.empty() ? "SELECT " : ", ") + std::string(field.sql);
     }
-    return columns + " FROM " + kind.table + " WHERE (" + kind.restriction + ")";
+    return columns;
 }
 
-nlohmann::json recordFrom(const Statement& row, const ResourceKind& kind)
+bool needsEscape(char character)
 {
-    nlohmann::json record = nlohmann::json::object();
+    return character == '"' || character == '\\' || static_cast<unsigned char>(character) < 0x20;
+}
+
+void appendEscaped(std::string& json, char character)
+{
+    constexpr const char* kDigits = "0123456789abcdef";
+    json += '\\';
+    if (character == '"' || character == '\\') {
+        json += character;
+    } else {
+        json += "u00";
+        json += kDigits[character >> 4];
+        json += kDigits[character & 15];
+    }
+}
+
+void appendText(std::string& json, std::string_view text)
+{
+    json += '"';
+    while (!text.empty()) {
+        const auto* const special = std::find_if(text.begin(), text.end(), needsEscape);
+        const auto plain = static_cast<std::size_t>(special - text.begin());
+        json.append(text.data(), plain);
+        text.remove_prefix(plain);
+        if (!text.empty()) {
+            appendEscaped(json, text.front());
+            text.remove_prefix(1);
+        }
+    }
+    json += '"';
+}
+
+/// One member, without the comma before it. Records are written without building a JSON library's objects first: that took
+/// most of the time of a long list. All texts in the database came through a JSON parser and so are UTF-8.
+void appendField(std::string& json, const Field& field, std::string_view value)
+{
+    if (field.form == Form::kMembers) {
+        json += value.substr(1, value.size() - 2);
+        return;
+    }
+    json += '"';
+    json += field.key;
+    json += "\":";
+    if (field.form == Form::kNumber) {
+        json += value;
+    } else {
+        appendText(json, value);
+    }
+}
+
+void appendRecord(std::string& json, const Statement& row, const ResourceKind& kind)
+{
+    json += '{';
     int column = 0;
     for (const Field& field : kind.fields) {
-        if (field.form == Form::kMembers) {
-            record.update(nlohmann::json::parse(row.text(column)));
-        } else if (!row.isNull(column)) {
-            record[field.key] =
-                field.form == Form::kNumber ? nlohmann::json(row.number(column)) : nlohmann::json(row.text(column));
+        if (!row.isNull(column) && !(field.form == Form::kMembers && row.view(column) == "{}")) {
+            json += json.back() == '{' ? "" : ",";
+            appendField(json, field, row.view(column));
         }
         ++column;
     }
-    return record;
+    json += '}';
+}
+
+std::string idText(const Value& id)
+{
+    const auto* number = std::get_if<std::int64_t>(&id);
+    return number != nullptr ? std::to_string(*number) : std::get<std::string>(id);
+}
+
+/// The whole record. A client that lists objects reads them one by one afterwards, so the texts are kept.
+const std::string& record(Database& database, const ResourceKind& kind, const Value& id)
+{
+    return database.derived(std::string(kind.name) + " " + idText(id), [&] {
+        Statement row =
+            database.query(selection(kind) + " FROM " + kind.table + " WHERE (" + kind.restriction + ") AND id = ?", {id});
+        std::string text;
+        if (row.step()) {
+            appendRecord(text, row, kind);
+        }
+        return text.empty() ? "{}" : text;
+    });
 }
 
 std::int64_t filterNumber(const std::string& key, const std::string& text)
@@ -102,6 +175,12 @@ void addAssociation(Condition& condition, Database& database, const ResourceKind
     for (const Association& association : kind.associations) {
         if (type == std::to_string(static_cast<int>(association.type))) {
             condition.add(association.condition, existingId(database, *kindOfType(association.type), id));
+            if (association.through != nullptr) {
+                const std::string through = association.through;
+                condition.order = through;
+                condition.from = through.substr(0, through.find('.')) + " CROSS JOIN " + kind.table + " ON " + kind.table +
+                                 ".id = " + through;
+            }
             return;
         }
     }
@@ -112,6 +191,8 @@ void addAssociation(Condition& condition, Database& database, const ResourceKind
 Condition conditionOf(Database& database, const ResourceKind& kind, const RequestQuery& query)
 {
     Condition condition;
+    condition.from = kind.table;
+    condition.sql = std::string("(") + kind.restriction + ")";
     checkType(kind, query);
     addFilter(condition, kind, query);
     addAssociation(condition, database, kind, query);
@@ -144,13 +225,12 @@ Value existingId(Database& database, const ResourceKind& kind, const std::string
     return value;
 }
 
-nlohmann::json readRecord(Database& database, const ResourceKind& kind, const Value& id)
+std::string readRecord(Database& database, const ResourceKind& kind, const Value& id)
 {
-    Statement row = database.query(selection(kind) + " AND id = ?", {id});
-    return row.step() ? recordFrom(row, kind) : nlohmann::json::object();
+    return record(database, kind, id);
 }
 
-nlohmann::json readRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
+std::string readRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
 {
     Condition condition = conditionOf(database, kind, query);
     const Range range = query.range().value_or(Range{0, std::numeric_limits<std::uint64_t>::max()});
@@ -158,24 +238,26 @@ nlohmann::json readRecords(Database& database, const ResourceKind& kind, const R
     const auto first = std::min<std::uint64_t>(range.first, std::numeric_limits<std::int64_t>::max());
     condition.parameters.emplace_back(static_cast<std::int64_t>(most));
     condition.parameters.emplace_back(static_cast<std::int64_t>(first));
-    Statement row = database.query(selection(kind) + condition.sql + " ORDER BY id LIMIT ? OFFSET ?", condition.parameters);
-    nlohmann::json records = nlohmann::json::array();
-    while (row.step()) {
-        records.push_back(recordFrom(row, kind));
+    Statement row = database.query(std::string("SELECT ") + kind.table + ".id FROM " + condition.from + " WHERE " +
+                                       condition.sql + " ORDER BY " + condition.order + " LIMIT ? OFFSET ?",
+                                   condition.parameters);
+    std::string records;
+    std::uint64_t count = 0;
+    for (; row.step(); ++count) {
+        records += count == 0 ? '[' : ',';
+        records += record(database, kind, kind.numericId ? Value(row.number(0)) : Value(row.text(0)));
     }
-    if (records.size() > kMostRecords) {
+    if (count > kMostRecords) {
         throw ApiError(kTooManyRecords,
                        "The list is longer than " + std::to_string(kMostRecords) + " records: ask for a range.");
     }
-    return records;
+    return count == 0 ? records : records + "]";
 }
 
 std::int64_t countRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
 {
     const Condition condition = conditionOf(database, kind, query);
-    return database.number(
-        std::string("SELECT count(*) FROM ") + kind.table + " WHERE (" + kind.restriction + ")" + condition.sql,
-        condition.parameters);
+    return database.number("SELECT count(*) FROM " + condition.from + " WHERE " + condition.sql, condition.parameters);
 }
 
 }  // namespace brevan::sim

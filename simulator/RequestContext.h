@@ -20,7 +20,7 @@ namespace brevan::sim {
 struct Answer {
     int code = kDone;
     std::string text = "0";
-    nlohmann::json data = nlohmann::json::object();
+    std::string data = "{}";  ///< JSON; empty: the reply has no "data"
 };
 
 /// A request on its way through one operation.

@@ -58,18 +58,18 @@ Router allRoutes()
     return router;
 }
 
-WireReply wireReply(unsigned status, Answer answer)
+WireReply wireReply(unsigned status, const Answer& answer)
 {
-    // Filled member by member: what stands in an initialiser list is copied.
-    nlohmann::json body;
-    if (!answer.data.is_null()) {
-        body["data"] = std::move(answer.data);
-    }
-    nlohmann::json& error = body["error"];
-    error["code"] = answer.code;
-    error["description"] = std::move(answer.text);
     // A description may quote bytes of the client that are no UTF-8.
-    return {status, body.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace), {}};
+    const std::string text = nlohmann::json(answer.text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    const std::string error = "\"error\":{\"code\":" + std::to_string(answer.code) + ",\"description\":" + text + "}}";
+    std::string body = "{";
+    if (!answer.data.empty()) {
+        body.reserve(answer.data.size() + error.size() + 16);
+        body.append("\"data\":").append(answer.data).append(",");
+    }
+    body += error;
+    return {status, std::move(body), {}};
 }
 
 std::string logLine(const JournalEntry& entry)
@@ -98,7 +98,7 @@ std::string oneLine(std::string text)
 
 WireReply errorReply(unsigned status, int code, const std::string& text)
 {
-    return wireReply(status, {code, text, nlohmann::json::object()});
+    return wireReply(status, {code, text, "{}"});
 }
 
 RequestPipeline::RequestPipeline(Array& array)
@@ -116,12 +116,12 @@ WireReply RequestPipeline::handle(const WireRequest& request)
     try {
         result = answer(request, passage);
     } catch (const ApiError& error) {
-        result = {error.code(), error.what(), nlohmann::json::object()};
+        result = {error.code(), error.what(), "{}"};
     } catch (const std::exception& error) {
-        result = {kInternal, std::string("The array could not do it: ") + error.what(), nlohmann::json::object()};
+        result = {kInternal, std::string("The array could not do it: ") + error.what(), "{}"};
     }
     passage.entry.code = result.code;
-    WireReply reply = wireReply(result.code == kUnknownOperation ? 404 : 200, std::move(result));
+    WireReply reply = wireReply(result.code == kUnknownOperation ? 404 : 200, result);
     reply.headers = std::move(passage.headers);
     if (passage.fault) {
         reply = spoiled(std::move(reply), *passage.fault);

@@ -35,6 +35,9 @@ struct Field {
 struct Association {
     ObjectType type;
     const char* condition;
+    /// A column "table.column" with the IDs of the objects, which the condition picks. Large groups are read along that table's
+    /// primary key, in the order of the IDs, as far as a range asks for.
+    const char* through = nullptr;
 };
 
 /// Everything that reading, listing, counting and filtering needs to know about a kind of object.

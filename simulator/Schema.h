@@ -7,7 +7,7 @@ namespace brevan::sim {
 extern const char* const kSchema;
 
 /// Written into every database file, so that a file of another schema is noticed.
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
 }  // namespace brevan::sim
 

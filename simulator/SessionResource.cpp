@@ -30,15 +30,15 @@ Answer logIn(RequestContext& context)
     const SessionStore::Credentials credentials = context.array.sessions.open(user, scope);
     context.session = credentials.number;
     context.replyHeaders.emplace_back("Set-Cookie", credentials.cookie + "; Path=/; Secure; HttpOnly; SameSite=Strict");
-    Answer answer{kDone, "0", sessionRecord(context, user, scope)};
-    answer.data["iBaseToken"] = credentials.token;
-    return answer;
+    nlohmann::json record = sessionRecord(context, user, scope);
+    record["iBaseToken"] = credentials.token;
+    return {kDone, "0", record.dump()};
 }
 
 Answer logInInfo(RequestContext& context)
 {
     const SessionStore::Session* session = context.array.sessions.find(context.wire.token, context.wire.cookie);
-    return {kDone, "0", sessionRecord(context, session->user, session->scope)};
+    return {kDone, "0", sessionRecord(context, session->user, session->scope).dump()};
 }
 
 Answer logOut(RequestContext& context)

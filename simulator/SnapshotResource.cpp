@@ -67,9 +67,8 @@ const ResourceKind& snapshotKind()
             {"WWN", "wwn"},
         },
         {
-            {ObjectType::kLunGroup,
-             "id IN (SELECT volume_id FROM lun_group_member WHERE group_id = ? AND volume_type = 27)"},
-            {ObjectType::kHost, "id IN (SELECT volume_id FROM host_volume WHERE host_id = ? AND volume_type = 27)"},
+            {ObjectType::kLunGroup, "group_id = ? AND volume_type = 27", "lun_group_member.volume_id"},
+            {ObjectType::kHost, "host_id = ? AND volume_type = 27", "lun_number.volume_id"},
             {ObjectType::kLun, "lun_id = ?"},
         }};
     return kKind;

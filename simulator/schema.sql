@@ -81,6 +81,7 @@ CREATE TABLE port (
 CREATE TABLE lun_number (
     host_id INTEGER NOT NULL, volume_type INTEGER NOT NULL, volume_id INTEGER NOT NULL, number INTEGER NOT NULL,
     PRIMARY KEY (host_id, volume_type, volume_id), UNIQUE (host_id, number)) WITHOUT ROWID;
+CREATE INDEX lun_number_by_volume ON lun_number (volume_type, volume_id);
 
 CREATE VIEW volume AS
     SELECT 11 AS type, id, wwn, capacity FROM lun UNION ALL SELECT 27 AS type, id, wwn, capacity FROM snapshot;

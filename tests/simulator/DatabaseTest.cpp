@@ -89,3 +89,30 @@ TEST(Database, SaysWhatIsWrongWithAStatement)
     EXPECT_THROW(database.execute("SELECT nonsense"), std::runtime_error);
     EXPECT_THROW(database.insert("snapshot", {{"id", std::int64_t{1}}}), std::runtime_error);
 }
+
+TEST(Database, KeepsADerivedTextUntilSomethingChanges)
+{
+    Database database(":memory:");
+    int made = 0;
+    const auto names = [&] {
+        return database.derived(
+            "names", [&] { return std::to_string(++made) + database.text("SELECT group_concat(name) FROM pool"); });
+    };
+    addPool(database, 1);
+    EXPECT_EQ(names(), "1pool1");
+    EXPECT_EQ(names(), "1pool1");
+    addPool(database, 2);
+    EXPECT_EQ(names(), "2pool1,pool2");
+}
+
+TEST(Database, ForgetsADerivedTextWithTheTransactionThatIsUndone)
+{
+    Database database(":memory:");
+    const auto name = [&] { return database.derived("name", [&] { return database.text("SELECT name FROM pool") + "!"; }); };
+    {
+        Transaction transaction(database);
+        addPool(database, 7);
+        EXPECT_EQ(name(), "pool7!");
+    }
+    EXPECT_EQ(name(), "!");
+}

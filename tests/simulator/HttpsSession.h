@@ -25,7 +25,8 @@ public:
     std::string send(const std::string& method, const std::string& path, const std::string& body = "")
     {
         const HttpsReply reply = m_https.send(method, m_base + path, body, m_headers);
-        if (reply.result == CURLE_OK && reply.body.find(R"("code":0)") == std::string::npos) {
+        // The error stands at the end of a reply that may be long.
+        if (reply.result == CURLE_OK && reply.body.rfind(R"("code":0)") == std::string::npos) {
             throw std::runtime_error(method + " " + path + " was answered " + reply.body);
         }
         return reply.result == CURLE_OK ? reply.body : std::string();
