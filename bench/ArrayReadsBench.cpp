@@ -91,8 +91,8 @@ int main()
     ArrayServer array(options(seed));
     array.start();
     HttpsSession client(std::to_string(array.port()), array.caFile());
-    compare(client, "array: 100 LUNs of a group among 100,000, against one LUN",
-            "/lun/associate?filter=ALLOCTYPE:1%20and%20ISADD2LUNGROUP:1&TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=1"
+    compare(client, "array: 100 thin LUNs of a group among 100,000, against one",
+            "/lun/associate?filter=ALLOCTYPE:1&TYPE=11&ASSOCIATEOBJTYPE=256&ASSOCIATEOBJID=1"
             "&range=[0-100]",
             "/lun/50000");
     return 0;

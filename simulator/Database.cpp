@@ -207,15 +207,23 @@ std::int64_t Database::next(const std::string& counter)
     return number("UPDATE counter SET next = next + 1 WHERE name = ? RETURNING next - 1", {counter});
 }
 
-const std::string& Database::derived(const std::string& key, const std::function<std::string()>& make)
+const std::string* Database::kept(const std::string& key)
 {
     const std::int64_t changes = sqlite3_total_changes64(m_handle.get());
-    if (changes != m_derivedAt || m_derived.size() >= kKeptTexts) {
-        m_derived.clear();
-        m_derivedAt = changes;
+    if (changes != m_keptSince) {
+        m_kept.clear();
+        m_keptSince = changes;
     }
-    const auto known = m_derived.find(key);
-    return known != m_derived.end() ? known->second : m_derived.emplace(key, make()).first->second;
+    const auto found = m_kept.find(key);
+    return found == m_kept.end() ? nullptr : &found->second;
+}
+
+const std::string& Database::keep(const std::string& key, std::string text)
+{
+    if (m_kept.size() >= kKeptTexts) {
+        m_kept.clear();
+    }
+    return m_kept[key] = std::move(text);
 }
 
 Transaction::Transaction(Database& database) : m_database(database)
@@ -227,7 +235,7 @@ Transaction::~Transaction()
 {
     if (m_open) {
         // What is undone does not count as a change.
-        m_database.m_derived.clear();
+        m_database.m_kept.clear();
         try {
             m_database.execute("ROLLBACK");
         } catch (const std::exception&) {

@@ -2,7 +2,6 @@
 #define BREVAN_SIMULATOR_DATABASE_H
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -62,9 +61,10 @@ public:
     std::string text(const std::string& sql, const std::vector<Value>& parameters = {});
     /// The next number of a counter. It never comes back once the transaction is committed.
     std::int64_t next(const std::string& counter);
-    /// A text that follows from what is in the database: made once, and kept until anything in the database changes. Valid until
-    /// the next call.
-    const std::string& derived(const std::string& key, const std::function<std::string()>& make);
+    /// A text that follows from what is in the database and was kept since its last change; null where there is none.
+    const std::string* kept(const std::string& key);
+    /// Keeps one. Valid until the next call of either.
+    const std::string& keep(const std::string& key, std::string text);
 
 private:
     struct Closer {
@@ -84,8 +84,8 @@ private:
 
     Handle m_handle;
     std::unordered_map<std::string, std::vector<Prepared>> m_statements;
-    std::unordered_map<std::string, std::string> m_derived;
-    std::int64_t m_derivedAt = -1;  ///< count of changes when these were made
+    std::unordered_map<std::string, std::string> m_kept;
+    std::int64_t m_keptSince = -1;  ///< count of changes then
 };
 
 /// All or nothing: what is not committed is undone.

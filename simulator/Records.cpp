@@ -11,6 +11,8 @@ namespace brevan::sim {
 
 namespace {
 
+constexpr std::uint64_t kUsualRange = 128;
+
 /// Which objects are wanted, while it is put together.
 struct Condition {
     std::string from;
@@ -109,15 +111,17 @@ std::string idText(const Value& id)
 /// The whole record. A client that lists objects reads them one by one afterwards, so the texts are kept.
 const std::string& record(Database& database, const ResourceKind& kind, const Value& id)
 {
-    return database.derived(std::string(kind.name) + " " + idText(id), [&] {
-        Statement row =
-            database.query(selection(kind) + " FROM " + kind.table + " WHERE (" + kind.restriction + ") AND id = ?", {id});
-        std::string text;
-        if (row.step()) {
-            appendRecord(text, row, kind);
-        }
-        return text.empty() ? "{}" : text;
-    });
+    const std::string key = std::string(kind.name) + " " + idText(id);
+    if (const std::string* known = database.kept(key)) {
+        return *known;
+    }
+    Statement row =
+        database.query(selection(kind) + " FROM " + kind.table + " WHERE (" + kind.restriction + ") AND id = ?", {id});
+    std::string text;
+    if (row.step()) {
+        appendRecord(text, row, kind);
+    }
+    return database.keep(key, text.empty() ? "{}" : std::move(text));
 }
 
 std::int64_t filterNumber(const std::string& key, const std::string& text)
@@ -244,8 +248,12 @@ std::string readRecords(Database& database, const ResourceKind& kind, const Requ
     std::string records;
     std::uint64_t count = 0;
     for (; row.step(); ++count) {
+        const std::string& text = record(database, kind, kind.numericId ? Value(row.number(0)) : Value(row.text(0)));
+        if (count == 0) {
+            records.reserve((text.size() + 16) * std::min(most, kUsualRange));
+        }
         records += count == 0 ? '[' : ',';
-        records += record(database, kind, kind.numericId ? Value(row.number(0)) : Value(row.text(0)));
+        records += text;
     }
     if (count > kMostRecords) {
         throw ApiError(kTooManyRecords,

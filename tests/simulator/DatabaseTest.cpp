@@ -90,29 +90,36 @@ TEST(Database, SaysWhatIsWrongWithAStatement)
     EXPECT_THROW(database.insert("snapshot", {{"id", std::int64_t{1}}}), std::runtime_error);
 }
 
-TEST(Database, KeepsADerivedTextUntilSomethingChanges)
+TEST(Database, KeepsATextUntilSomethingChanges)
 {
     Database database(":memory:");
-    int made = 0;
-    const auto names = [&] {
-        return database.derived(
-            "names", [&] { return std::to_string(++made) + database.text("SELECT group_concat(name) FROM pool"); });
-    };
+    EXPECT_EQ(database.kept("names"), nullptr);
+    EXPECT_EQ(database.keep("names", "none"), "none");
+    ASSERT_NE(database.kept("names"), nullptr);
+    EXPECT_EQ(*database.kept("names"), "none");
     addPool(database, 1);
-    EXPECT_EQ(names(), "1pool1");
-    EXPECT_EQ(names(), "1pool1");
-    addPool(database, 2);
-    EXPECT_EQ(names(), "2pool1,pool2");
+    EXPECT_EQ(database.kept("names"), nullptr);
 }
 
-TEST(Database, ForgetsADerivedTextWithTheTransactionThatIsUndone)
+TEST(Database, ForgetsATextWithTheTransactionThatIsUndone)
 {
     Database database(":memory:");
-    const auto name = [&] { return database.derived("name", [&] { return database.text("SELECT name FROM pool") + "!"; }); };
     {
         Transaction transaction(database);
         addPool(database, 7);
-        EXPECT_EQ(name(), "pool7!");
+        database.kept("name");
+        database.keep("name", "pool7");
     }
-    EXPECT_EQ(name(), "!");
+    EXPECT_EQ(database.kept("name"), nullptr);
+}
+
+TEST(Database, KeepsNoMoreTextsThanItShould)
+{
+    Database database(":memory:");
+    database.kept("0");
+    for (int index = 0; index <= 20000; ++index) {
+        database.keep(std::to_string(index), "x");
+    }
+    EXPECT_EQ(database.kept("0"), nullptr);
+    EXPECT_NE(database.kept("20000"), nullptr);
 }
