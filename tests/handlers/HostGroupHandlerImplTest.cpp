@@ -15,7 +15,7 @@ Call with(Body body)
     return on<CHostGroupHandlerImpl>(body);
 }
 
-RequestRow create(const std::string& body, HostGroupMO group)
+RequestRow create(const std::string& body, const HostGroupMO& group)
 {
     return {"createHostGroup", {}, "POST /hostgroup {" + body + "}", with([group](auto& handler) {
                 HostGroupMO wanted = group;
@@ -28,7 +28,7 @@ const std::vector<RequestRow> kCreates = {
     create(R"("TYPE":14,"NAME":"g","DESCRIPTION":"d","ID":"9")", {"9", "g", "d", 1}),
 };
 
-RequestRow batch(const std::string& path, HostGroupQuery query)
+RequestRow batch(const std::string& path, const HostGroupQuery& query)
 {
     return {"getHostGroupByHost", {}, "GET /hostgroup/associate?" + path, with([query](auto& handler) {
                 HostGroupQuery asked = query;

@@ -14,7 +14,7 @@ Call with(Body body)
     return on<CLunGroupHandlerImpl>(body);
 }
 
-RequestRow create(const std::string& body, LunGroupMO group)
+RequestRow create(const std::string& body, const LunGroupMO& group)
 {
     return {"createLunGroup", {}, "POST /lungroup/ {" + body + "}", with([group](auto& handler) {
                 LunGroupMO wanted = group;
@@ -27,7 +27,7 @@ const std::vector<RequestRow> kCreates = {
     create(R"("ID":"9","TYPE":256,"NAME":"g","DESCRIPTION":"d","APPTYPE":3,"GROUPTYPE":0ul)", {"9", "g", "d", 1, 3, 5}),
 };
 
-RequestRow batch(const char* operation, const std::string& path, LunGroupQuery query)
+RequestRow batch(const char* operation, const std::string& path, const LunGroupQuery& query)
 {
     const bool byLun = std::string(operation) == "getLunGroupByLun";
     return {"getLunGroupByObjList", {operation}, "GET /lungroup/associate?" + path, with([byLun, query](auto& handler) {

@@ -15,8 +15,6 @@
 namespace brevan::plimlog {
 namespace {
 
-using testing::ElementsAre;
-
 constexpr std::uint64_t kLarge = 1 << 20;
 
 LogFileName nameOf(unsigned generation = 0, unsigned instance = 1)

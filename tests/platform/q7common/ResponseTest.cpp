@@ -64,7 +64,7 @@ TEST(Response, IsEmptyAfterItWasMoved)
     std::string description;
     EXPECT_EQ(second.getResponseCode(description), 5);
     EXPECT_EQ(description, "d");
-    EXPECT_EQ(first.count(), 0U);
+    EXPECT_EQ(first.count(), 0U);  // NOLINT(bugprone-use-after-move): what it is then is what is tried
 }
 
 TEST(Response, ReadsDecimalText)
