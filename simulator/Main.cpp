@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Database.h"
 #include "Files.h"
+#include "Identity.h"
 #include "Inventory.h"
 
 #include <algorithm>
@@ -60,7 +61,11 @@ void allowDescriptors(unsigned connections)
 std::unique_ptr<Database> stateOf(const ServerOptions& options)
 {
     if (options.seed.empty()) {
-        return Database::existing(options.database);
+        std::unique_ptr<Database> known = Database::existing(options.database);
+        if (identityOf(*known).empty()) {
+            throw std::runtime_error(options.database + " has no array yet");
+        }
+        return known;
     }
     auto database = std::make_unique<Database>(":memory:");
     Transaction transaction(*database);

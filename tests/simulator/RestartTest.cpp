@@ -1,6 +1,7 @@
 #include "HttpsSession.h"
 #include "ProgramFixture.h"
 
+#include "simulator/Database.h"
 #include "simulator/Text.h"
 
 #include <set>
@@ -169,6 +170,10 @@ TEST_F(Restart, NeedsADatabaseThatIsThere)
     EXPECT_EQ(exitStatus(), 1);
     EXPECT_NE(content("errors").find(file("none.db")), std::string::npos) << content("errors");
     EXPECT_FALSE(std::filesystem::exists(file("none.db")));
+    { const Database empty(file("empty.db")); }
+    start({"--chain", "--db", file("empty.db")});
+    EXPECT_EQ(exitStatus(), 1);
+    EXPECT_EQ(content("errors"), "brevan-array-sim: " + file("empty.db") + " has no array yet\n");
     writeFileAtomically(file("seed.json"), "{\"version\": 1, \"hosts\": [{}]}");
     start({"--dump", "--seed", file("seed.json")});
     EXPECT_EQ(exitStatus(), 1);
