@@ -108,6 +108,7 @@ int detach(Operation&& entered, CDeviceManagerImpl* manager, const HandlerFetch 
         operation.require(!volumeID.empty(), Volume::kIdMissing);
         operation.require(!initiatorID.empty(), "iscsiInitiatorID is empty! ");
         operation.require(manager != nullptr, "deviceManage is NULL! ");
+        // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): where it is null, require() has thrown
         const AttachHandlers with = fetchHandlers(operation, *manager, fetches);
         return guarded(operation, [&] {
             if (Volume::read(with, volumeID).ID.empty()) {

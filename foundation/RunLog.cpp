@@ -22,6 +22,7 @@ void COMMLOG(OS_LOGLEVEL level, const char* format, ...)
     std::array<char, kMessageSize> message{};
     va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start() stands above
     const int length = std::vsnprintf(message.data(), message.size(), format, arguments);
     va_end(arguments);
     if (length < 0) {
