@@ -71,7 +71,7 @@ std::vector<std::string> linkNames()
 
 std::string nameOf(const std::string& path)
 {
-    return std::filesystem::canonical(path).filename();
+    return path.substr(path.rfind('/') + 1);
 }
 
 std::string wwnBySgInq(const std::string& path)

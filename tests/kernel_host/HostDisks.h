@@ -16,7 +16,7 @@ constexpr std::size_t kPatternBytes = 64 << 10;
 std::vector<std::string> diskNames();
 std::vector<std::string> linkNames();
 
-/// "sda", from any path that leads there.
+/// "sda", from a path that the library returned or from "/dev/sda".
 std::string nameOf(const std::string& path);
 
 /// The NAA designator that sg_inq reads from page 0x83; empty where the disk does not answer.
