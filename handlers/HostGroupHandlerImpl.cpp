@@ -79,7 +79,7 @@ void CHostGroupHandlerImpl::addHostToHostGroup(const std::string& hostID, const 
             } else {
                 warn(operation, "addHostToHostGroup exception. ");
             }
-        } catch (...) {
+        } catch (const PlimAPIException&) {
             warn(operation, "add host to host group failed. ");
         }
     });
@@ -117,7 +117,7 @@ void CHostGroupHandlerImpl::removeHostFromHostGroup(const std::string& hostID, c
         try {
             // Under "/host" although the ID is the group's: meant.
             operation.remove("/host/associate?ID=" + hostGroupID + "&" + associatedWith(MOTYPE_HOST, hostID));
-        } catch (...) {
+        } catch (const PlimAPIException&) {
             warn(operation, "remove host from host group failed. ");
         }
     });

@@ -188,10 +188,12 @@ void CDeviceManagerImpl::addSessionHeaders(RestRequest& request) const
 void CDeviceManagerImpl::openSession(const std::string& ip, unsigned int port, const std::string& deviceId,
                                      const std::string& token, const std::string& cookie, bool openedHere)
 {
+    // Copied before anything changes: where memory runs out, the session until now stays whole.
+    std::string texts[] = {ip, token, cookie, deviceId};
     CUserManager::getInstance().RegisterSession(this, deviceId, ip, port, token, cookie, openedHere);
-    m_ip = ip;
+    m_ip.swap(texts[0]);
     m_port = port;
-    m_token = token;
-    m_cookie = cookie;
-    m_deviceId = deviceId;
+    m_token.swap(texts[1]);
+    m_cookie.swap(texts[2]);
+    m_deviceId.swap(texts[3]);
 }
