@@ -9,10 +9,17 @@
 #include "ServerOptions.h"
 #include "SessionStore.h"
 
+#include <list>
 #include <memory>
 #include <optional>
 
 namespace brevan::sim {
+
+/// A snapshot whose data is being copied: not there yet, but its name is taken and its LUN must stay.
+struct SnapshotInMaking {
+    std::string name;
+    std::int64_t lun = 0;
+};
 
 /// What operations work on. One request at a time.
 struct Array {
@@ -24,6 +31,7 @@ struct Array {
     SessionStore sessions;
     LoginGuard logins;
     std::unique_ptr<ExposureDriver> exposure;
+    std::list<SnapshotInMaking> snapshotsInMaking;
 };
 
 /// A further pool; a free initiator, which may be there already. A value that does not do is a std::invalid_argument.

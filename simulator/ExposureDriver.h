@@ -16,7 +16,7 @@ struct ExposedVolume {
 /// What every initiator of the array sees: its volumes by LUN number. An initiator that sees nothing has an empty list.
 using ExposurePlan = std::map<std::string, std::map<unsigned, ExposedVolume>>;
 
-/// Brings mapped volumes out of the array. All calls come from one thread at a time. A failure is a std::exception; the
+/// Brings mapped volumes out of the array. All calls but copyVolume come from one thread at a time. A failure is a std::exception; the
 /// request that led to it is undone and `apply` is called again with what was there before.
 class ExposureDriver {
 public:
@@ -30,7 +30,8 @@ public:
 
     /// A volume comes to be: it reads as zeros.
     virtual void createVolume(const ExposedVolume& volume) = 0;
-    /// A volume comes to be with what `source` holds now.
+    /// A volume comes to be with what `source` holds now. May take long, and so may run beside all other calls; until it is done
+    /// no other call is about the copy, and none removes the source.
     virtual void copyVolume(const ExposedVolume& source, const ExposedVolume& copy) = 0;
     /// A volume is gone, and so is its data.
     virtual void removeVolume(const ExposedVolume& volume) = 0;

@@ -109,6 +109,11 @@ Answer removeLun(RequestContext& context)
                      {{"SELECT 1 FROM lun_group_member WHERE volume_type = 11 AND volume_id = ?", kVolumeInLunGroup,
                        "is in a LUN group: remove it there first."},
                       {"SELECT 1 FROM snapshot WHERE lun_id = ?", kLunHasSnapshots, "has snapshots: delete them first."}});
+    for (const SnapshotInMaking& snapshot : context.array.snapshotsInMaking) {
+        if (snapshot.lun == std::get<std::int64_t>(id)) {
+            throw ApiError(kLunHasSnapshots, described(lunKind(), context.id) + " has snapshots: delete them first.");
+        }
+    }
     context.afterwards.emplace_back([&context, wwn] { context.array.exposure->removeVolume({wwn, 0}); });
     return answer;
 }

@@ -172,7 +172,7 @@ Answer RequestPipeline::answer(const WireRequest& request, Passage& passage)
     }
     entry.operation = match.route->operation();
     passage.fault = m_faults.take(entry.operation, entry.number);
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     const SessionStore::Session* session = m_array.sessions.find(request.token, request.cookie);
     entry.session = session == nullptr ? 0 : session->number;
     if (passage.fault) {
@@ -187,9 +187,9 @@ Answer RequestPipeline::answer(const WireRequest& request, Passage& passage)
     if (target.device != m_array.options.deviceId && (match.route->needsSession || target.device != kAnyDevice)) {
         throw ApiError(kUnknownDevice, "The device " + inQuotes(target.device) + " is not this array.");
     }
-    RequestContext context{m_array, request,      RequestQuery(target.query), RequestBody(request.body), match.id, {}, false,
-                           {},      entry.session};
-    Answer result = run(match.route->handler, context);
+    RequestContext context{
+        m_array, request, RequestQuery(target.query), RequestBody(request.body), match.id, {}, false, {}, entry.session, {}};
+    Answer result = runAll(match.route->handler, context, lock);
     entry.session = context.session;
     passage.headers = std::move(context.replyHeaders);
     return result;
@@ -238,6 +238,25 @@ Answer RequestPipeline::run(const Handler& handler, RequestContext& context)
     }
 }
 
+Answer RequestPipeline::runAll(const Handler& handler, RequestContext& context, std::unique_lock<std::mutex>& lock)
+{
+    Answer result = run(handler, context);
+    if (!context.longWork) {
+        return result;
+    }
+    const LongWork longWork = *context.longWork;
+    context.afterwards.clear();
+    std::exception_ptr failure;
+    lock.unlock();
+    try {
+        longWork.work();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    lock.lock();
+    return run([&](RequestContext& inner) { return longWork.finish(inner, failure); }, context);
+}
+
 void RequestPipeline::followExposure(Database& database)
 {
     try {
@@ -249,15 +268,15 @@ void RequestPipeline::followExposure(Database& database)
 
 void RequestPipeline::perform(const std::function<void(RequestContext&)>& work)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     const WireRequest none;
-    RequestContext context{m_array, none, {}, {}, {}, {}, false, {}, 0};
-    run(
+    RequestContext context{m_array, none, {}, {}, {}, {}, false, {}, 0, {}};
+    runAll(
         [&work](RequestContext& inner) {
             work(inner);
             return Answer();
         },
-        context);
+        context, lock);
 }
 
 void RequestPipeline::alone(const std::function<void(Array&)>& work)

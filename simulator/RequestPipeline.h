@@ -49,6 +49,7 @@ private:
     Answer answer(const WireRequest& request, Passage& passage);
     Answer faultInstead(const WireRequest& request, const Fault& fault);
     Answer run(const Handler& handler, RequestContext& context);
+    Answer runAll(const Handler& handler, RequestContext& context, std::unique_lock<std::mutex>& lock);
     void followExposure(Database& database);
 
     std::mutex m_mutex;

@@ -17,6 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kUnfinished = ".part";
+
 /// An open file that closes itself.
 class File {
 public:
@@ -70,6 +72,11 @@ std::string VolumeFiles::path(const std::string& wwn) const
 void VolumeFiles::makeDirectory()
 {
     fs::create_directories(m_directory);
+    for (const fs::directory_entry& entry : fs::directory_iterator(m_directory)) {
+        if (startsWith(entry.path().filename().string(), m_prefix) && entry.path().extension() == kUnfinished) {
+            fs::remove(entry.path());
+        }
+    }
 }
 
 std::string VolumeFiles::prepare(const ExposedVolume& volume)
@@ -86,7 +93,8 @@ void VolumeFiles::copy(const std::string& sourceWwn, const ExposedVolume& copy)
         return;
     }
     const File from(path(sourceWwn), O_RDONLY);
-    const File to(path(copy.wwn), O_WRONLY | O_CREAT | O_TRUNC);
+    const std::string unfinished = path(copy.wwn) + kUnfinished;
+    const File to(unfinished, O_WRONLY | O_CREAT | O_TRUNC);
     to.resize(copy.bytes);
     const auto size = static_cast<off_t>(copy.bytes);
     // Only what holds data is copied, so that the copy is as sparse as its source.
@@ -96,11 +104,13 @@ void VolumeFiles::copy(const std::string& sourceWwn, const ExposedVolume& copy)
         copyBytes(from, to, begin, end);
         begin = lseek(from.descriptor(), end, SEEK_DATA);
     }
+    fs::rename(unfinished, path(copy.wwn));
 }
 
 void VolumeFiles::remove(const std::string& wwn)
 {
     fs::remove(path(wwn));
+    fs::remove(path(wwn) + kUnfinished);
 }
 
 void VolumeFiles::removeAll()

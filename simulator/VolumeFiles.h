@@ -14,6 +14,7 @@ public:
     /// Only files whose names begin with `prefix` are ours.
     VolumeFiles(std::string directory, std::string prefix);
 
+    /// Also removes copies that an earlier run did not finish.
     void makeDirectory();
     /// Its file, made as large as the volume if it is not there; returns the path.
     std::string prepare(const ExposedVolume& volume);

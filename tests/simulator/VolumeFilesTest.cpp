@@ -87,3 +87,14 @@ TEST_F(VolumeFilesTest, RemovesItsOwnFilesOnly)
     EXPECT_FALSE(std::filesystem::exists(m_directory + "/6aaa2.img"));
     EXPECT_TRUE(std::filesystem::exists(m_directory + "/6bbb1.img"));
 }
+
+TEST_F(VolumeFilesTest, RemovesCopiesThatWereNotFinished)
+{
+    writeFileAtomically(m_directory + "/6aaa1.img.part", "half");
+    writeFileAtomically(m_directory + "/6aaa1.img", "whole");
+    writeFileAtomically(m_directory + "/other.part", "not ours");
+    m_files.makeDirectory();
+    EXPECT_FALSE(std::filesystem::exists(m_directory + "/6aaa1.img.part"));
+    EXPECT_TRUE(std::filesystem::exists(m_directory + "/6aaa1.img"));
+    EXPECT_TRUE(std::filesystem::exists(m_directory + "/other.part"));
+}
