@@ -13,8 +13,18 @@ namespace {
 
 class OwnHostDevices final : public HostDevices {
 public:
-    // The application may start programs of its own: they must not inherit a disk.
-    int open(const char* path, int flags) override { return ::open(path, flags | O_CLOEXEC); }
+    // The application may start programs of its own: they must not inherit a disk. And where it has closed its standard descriptors,
+    // what it prints must not go to one.
+    int open(const char* path, int flags) override
+    {
+        const int fd = ::open(path, flags | O_CLOEXEC);
+        if (fd < 0 || fd > STDERR_FILENO) {
+            return fd;
+        }
+        const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        ::close(fd);
+        return moved;
+    }
     void close(int fd) override { ::close(fd); }
     int scsiGeneric(int fd, sg_io_hdr& request) override { return ::ioctl(fd, SG_IO, &request); }
     int shell(const char* command) override { return std::system(command); }

@@ -7,7 +7,7 @@ set -euo pipefail
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libssl-dev libjsoncpp-dev libspdlog-dev libfmt-dev
     libsafec-dev libinih-dev libboost-dev nlohmann-json3-dev libsqlite3-dev libcli11-dev)
 TEST_PACKAGES=(libgtest-dev libgmock-dev bubblewrap openssl curl ca-certificates mandoc shellcheck sudo util-linux
-    clang abigail-tools binutils)
+    clang abigail-tools binutils locales)
 
 missingPackages() {                          # PACKAGE...: prints those that are not installed
     local name state

@@ -3,6 +3,7 @@
 #include "ForkGate.h"
 #include "HeaderLines.h"
 #include "SigPipeGuard.h"
+#include "StandardDescriptors.h"
 
 #include <openssl/ssl.h>
 #include <poll.h>
@@ -36,6 +37,13 @@ int noteTrustFault(int isGood, X509_STORE_CTX* store) noexcept
         trustFaultOfHandshake = X509_STORE_CTX_get_error(store);
     }
     return isGood;
+}
+
+/// It opens the descriptors by which it could be woken.
+CURLM* newMulti() noexcept
+{
+    const StandardDescriptors held;
+    return curl_multi_init();
 }
 
 CURLcode prepareTls(CURL*, void* data, void*) noexcept
@@ -76,7 +84,7 @@ void Connection::set(CURLoption option, Value value)
 
 Connection::Connection(const Server& server, const Settings& settings, std::shared_ptr<TlsSessions> tlsSessions)
     : m_tlsSessions(std::move(tlsSessions)),
-      m_multi(curl_multi_init()),
+      m_multi(newMulti()),
       m_handle(curl_easy_init()),
       m_replyLimit(settings.replyBytes)
 {
@@ -296,6 +304,7 @@ curl_socket_t Connection::onOpenSocket(void* self, curlsocktype, curl_sockaddr* 
         return CURL_SOCKET_BAD;
     }
     auto& connection = *static_cast<Connection*>(self);
+    const StandardDescriptors held;
     connection.m_socket = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
     return connection.m_socket;
 }

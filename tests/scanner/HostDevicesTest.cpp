@@ -51,6 +51,20 @@ TEST_F(OwnHostDevices, OpensAFileSoThatChildrenDoNotInheritIt)
     }
 }
 
+TEST_F(OwnHostDevices, TakesNoStandardDescriptorForADisk)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        close(STDOUT_FILENO);
+        const int fd = host.open(file.c_str(), O_RDWR | O_NONBLOCK);
+        const bool isCloseOnExec = (fcntl(fd, F_GETFD) & FD_CLOEXEC) != 0;
+        _exit(fd > STDERR_FILENO && isCloseOnExec && fcntl(STDOUT_FILENO, F_GETFD) == -1 ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(OwnHostDevices, CannotOpenWhatIsNotThere)
 {
     EXPECT_EQ(host.open(dangling.c_str(), O_RDONLY), -1);
