@@ -25,7 +25,7 @@ step "oddities done"
 setting=/opt/norvane-data-protection/dunmere/microservice/zql_backup/conf/uprescan
 mkdir -p "${setting%/*}" /tmp/bin
 touch $setting
-echo "Tendrix path manager" >$SIMULATED_HOST/message
+echo "Tendrix path manager" >"$SIMULATED_HOST/message"
 cat >/tmp/bin/sudo <<'END'
 #!/bin/bash
 echo "$2" >>/tmp/rescans-begun
