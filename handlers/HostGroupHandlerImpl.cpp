@@ -24,6 +24,13 @@ void warn(const Operation& operation, const char* text)
     COMMLOG(OS_LOG_WARN, "%s%s", text, operation.name());
 }
 
+/// Nothing propagates, but lastFailure() tells it, also what had no words of its own yet: memory that ran out before the request.
+void swallow(const Operation& operation, const char* text)
+{
+    warn(operation, text);
+    operation.note(std::string(text) + operation.name(), nullptr);
+}
+
 }  // namespace
 
 HostGroupMO CHostGroupHandlerImpl::createHostGroup(HostGroupMO& group)
@@ -79,8 +86,8 @@ void CHostGroupHandlerImpl::addHostToHostGroup(const std::string& hostID, const 
             } else {
                 warn(operation, "addHostToHostGroup exception. ");
             }
-        } catch (const PlimAPIException&) {
-            warn(operation, "add host to host group failed. ");
+        } catch (...) {
+            swallow(operation, "add host to host group failed. ");
         }
     });
 }
@@ -117,8 +124,8 @@ void CHostGroupHandlerImpl::removeHostFromHostGroup(const std::string& hostID, c
         try {
             // Under "/host" although the ID is the group's: meant.
             operation.remove("/host/associate?ID=" + hostGroupID + "&" + associatedWith(MOTYPE_HOST, hostID));
-        } catch (const PlimAPIException&) {
-            warn(operation, "remove host from host group failed. ");
+        } catch (...) {
+            swallow(operation, "remove host from host group failed. ");
         }
     });
 }

@@ -105,7 +105,7 @@ int tryMembership(ResourceOperation&& operation, const MembershipTry& kind, MOTy
             COMMLOG(OS_LOG_WARN, "%s%s) to lungroup(%s) failed., errCode: %d", kind.refusedPrefix, objID.c_str(),
                     lunGroupID.c_str(), code);
             return code;
-        } catch (const PlimAPIException&) {
+        } catch (...) {
             COMMLOG(OS_LOG_WARN, "%s", sentence(kind, objType, objID, lunGroupID, ") failed ").c_str());
             return -1;
         }
