@@ -11,6 +11,7 @@
 #include <brevan/LastFailure.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <optional>
 
 using namespace brevan;
@@ -25,21 +26,26 @@ constexpr const char* kNotFoundAdvice =
     "Check that the volume is mapped to this host's initiator, that the initiator is logged in, and that this user may open "
     "disks (group disk).";
 
+constexpr const char* kDeniedAdvice = "Run the application as root or as a member of group disk, which may open disks.";
+
 const char* typeName(MOType type)
 {
     return type == MOTYPE_LUN ? "Lun" : type == MOTYPE_SNAPSHOT ? "Snapshot" : nullptr;
 }
 
-/// What a candidate's own page says; both empty where it cannot be read.
+/// What a candidate's own page says; both empty where it cannot be read, because this user may not, or otherwise.
 struct Identity {
     std::string wwn;
     std::string lunNumber;
+    bool denied = false;
 };
 
 Identity identityOf(std::string path)
 {
     Identity identity;
-    CDiskScannerHandlerImpl::GetDisk83Page(path, identity.wwn, identity.lunNumber);
+    errno = 0;
+    const int result = CDiskScannerHandlerImpl::GetDisk83Page(path, identity.wwn, identity.lunNumber);
+    identity.denied = result != 0 && (errno == EACCES || errno == EPERM);
     return identity;
 }
 
@@ -80,10 +86,20 @@ std::string firstMatch(const std::vector<std::string>& lines, const std::string&
     return std::string();
 }
 
-/// The same in the general route, where a disk carries several names.
-std::string firstMatch(const std::map<std::string, std::vector<std::string>>& disks, const std::string& wwn,
-                       const char* type, const std::string& id)
+/// A disk that has the volume's name and may be it, but this user has no right to ask: said here, since the listing alone looks as if
+/// there were no such disk.
+void tellDenied(const Operation& operation, const std::string& path, const std::string& wwn)
 {
+    const std::string text = "no right to open " + path + ", which is named after the WWN \"" + wwn + "\"";
+    COMMLOG(OS_LOG_ERROR, "%s", text.c_str());
+    operation.note(text, kDeniedAdvice);
+}
+
+/// The same in the general route, where a disk carries several names.
+std::string firstMatch(const Operation& operation, const std::map<std::string, std::vector<std::string>>& disks,
+                       const std::string& wwn, const char* type, const std::string& id)
+{
+    std::string denied;
     for (const auto& [path, identifiers] : disks) {
         COMMLOG(OS_LOG_INFO, "strDiskPath [%s]", path.c_str());
         const Identity identity = identityOf(path);
@@ -93,6 +109,12 @@ std::string firstMatch(const std::map<std::string, std::vector<std::string>>& di
         if (found) {
             return path;
         }
+        if (identity.denied && std::find(identifiers.begin(), identifiers.end(), wwn) != identifiers.end()) {
+            denied = path;
+        }
+    }
+    if (!denied.empty()) {
+        tellDenied(operation, denied, wwn);
     }
     return std::string();
 }
@@ -109,7 +131,7 @@ std::string searchAllDisks(Operation& operation, const std::string& id, const st
     }
     const auto disks = groupByPath(listing.lines);
     COMMLOG(OS_LOG_INFO, "=========================================\n");
-    std::string path = firstMatch(disks, wwn, type, id);
+    std::string path = firstMatch(operation, disks, wwn, type, id);
     if (!path.empty()) {
         operation.record(FAILURE_NONE);
         rescanDevice(path, deviceName(path));

@@ -36,8 +36,7 @@ std::string CDiskScannerHandlerImpl::scanLunAfterAttach(std::string& lunId)
             return path;
         }
         HeldRescanLock lock(m_lock);
-        if (!lock.held()) {
-            operation.endFailed(FAILURE_REFUSED, "Get Lock Failed");
+        if (!requireLock(operation, lock)) {
             return path;
         }
         const FailureMark before;

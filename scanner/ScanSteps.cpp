@@ -2,6 +2,8 @@
 
 #include "foundation/RunLog.h"
 
+#include <system_error>
+
 namespace brevan {
 namespace {
 
@@ -23,6 +25,19 @@ std::string oneLine(const std::string& text)
 }
 
 }  // namespace
+
+bool requireLock(Operation& operation, const HeldRescanLock& lock)
+{
+    if (lock.held()) {
+        return true;
+    }
+    operation.note("Get Lock Failed: " + std::generic_category().message(lock.error()) + " (System V semaphore, key 1235)",
+                   lock.error() == EACCES ? "Another user's process has made the semaphore, and only that user and root may "
+                                            "use it: ipcs -s names the owner."
+                                          : "Scan again; where it goes on, look at the semaphore with ipcs -s.");
+    operation.endFailed(FAILURE_REFUSED, "Get Lock Failed");
+    return false;
+}
 
 std::string rescanHost(Operation& operation)
 {

@@ -5,6 +5,7 @@
 #include "foundation/Operation.h"
 #include "foundation/RunLog.h"
 #include "scanner/HostCommands.h"
+#include "scanner/UpRescanLock.h"
 
 #include <brevan/Errors.h>
 #include <brevan/LastFailure.h>
@@ -57,6 +58,9 @@ std::optional<Record> lookUp(Operation& operation, CDeviceManagerImpl* manager, 
     }
     return std::nullopt;
 }
+
+/// Whether the scan may go on: where the lock could not be had, it has ended with the reason.
+bool requireLock(Operation& operation, const HeldRescanLock& lock);
 
 /// Runs the rescan. A failure is logged, and the scan goes on: the disk may be visible already. Returns what the rescan
 /// said.

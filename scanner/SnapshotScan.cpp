@@ -92,8 +92,7 @@ std::string CDiskScannerHandlerImpl::scanSnapshotAfterAttach(std::string& snapsh
             return path;
         }
         HeldRescanLock lock(m_lock);
-        if (!lock.held()) {
-            operation.endFailed(FAILURE_REFUSED, "Get Lock Failed");
+        if (!requireLock(operation, lock)) {
             return path;
         }
         const FailureMark before;

@@ -54,8 +54,11 @@ int UpRescanLock::InitLock()
 int UpRescanLock::GetLock()
 {
     const int id = getSem();
+    const int whyNone = errno;
     if (lockSem(id) != 0) {
+        const int reason = id < 0 ? whyNone : errno;
         COMMLOG(OS_LOG_ERROR, "Lock sem[%d] failed.", id);
+        errno = reason;
         return -1;
     }
     return 0;
@@ -85,7 +88,9 @@ int UpRescanLock::getSem()
 {
     const int id = semget(kKey, kSemaphores, IPC_CREAT | kOwnerOnly);
     if (id < 0) {
+        const int reason = errno;
         COMMLOG(OS_LOG_ERROR, "Create sem failed.");
+        errno = reason;
     }
     return id;
 }

@@ -75,7 +75,8 @@ public:
         return fault != 0 ? fault : posix_spawn_file_actions_addclosefrom_np(&m_actions, kFirstFreeDescriptor);
     }
 
-    /// Its own process group, and signals as in a fresh process, whatever the application ignores or blocks.
+    /// Its own session, so that it has no terminal: sudo would ask there for a password, be stopped for it, and hang. And
+    /// signals as in a fresh process, whatever the application ignores or blocks.
     int setSignals()
     {
         sigset_t signals;
@@ -83,8 +84,7 @@ public:
         int fault = posix_spawnattr_setsigdefault(&m_attributes, &signals);
         sigemptyset(&signals);
         fault = fault != 0 ? fault : posix_spawnattr_setsigmask(&m_attributes, &signals);
-        fault = fault != 0 ? fault : posix_spawnattr_setpgroup(&m_attributes, 0);
-        constexpr short kFlags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP;
+        constexpr short kFlags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSID;
         return fault != 0 ? fault : posix_spawnattr_setflags(&m_attributes, kFlags);
     }
 

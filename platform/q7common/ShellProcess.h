@@ -9,7 +9,7 @@
 
 namespace brevan {
 
-/// A command line that runs in a shell, in a process group of its own, with nothing of our descriptors. Its exit status
+/// A command line that runs in a shell, in a session of its own, with nothing of our descriptors. Its exit status
 /// comes through a pipe and not from waitpid, because the application may ignore SIGCHLD or collect all children in a thread
 /// of its own.
 class ShellProcess {

@@ -200,8 +200,8 @@ TEST_F(Lock, OfAnotherUserEndsAScanWithItsReason)
     const std::string program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "kernel_host_client";
     const std::string said = run("setpriv --reuid games --regid games --init-groups --inh-caps=-all " + program + " " +
                                  std::to_string(array->port()) + " scan " + lun.ID);
-    std::printf("%s", said.c_str());
-    EXPECT_NE(said.find("Permission denied"), std::string::npos);
+    EXPECT_NE(said.find("text: Get Lock Failed: Permission denied"), std::string::npos) << said;
+    EXPECT_NE(said.find("advice: Another user's process"), std::string::npos) << said;
 }
 
 /// Last, since a process that has seen multipath software never forgets it.

@@ -128,6 +128,25 @@ TEST_F(DiskSearch, GoesOnAfterADiskThatCannotBeRead)
     EXPECT_EQ(find(), diskPath("sdc"));
 }
 
+TEST_F(DiskSearch, SaysWhichDiskOfThatNameThisUserMayNotOpen)
+{
+    const Lines found = {listed(std::string("scsi-3") + kWwn, "sdc"), listed(std::string("scsi-3") + kOtherWwn, "sdb")};
+    for (const char* device : {"sdb", "sdc"}) {
+        devices.addDisk(diskPath(device), FakeDevices::Disk{page83(kWwn), true, false});
+    }
+    expectListing(printing(found));
+    EXPECT_EQ(find(), "");
+    const std::string text = "no right to open " + diskPath("sdc") + ", which is named after the WWN \"" + wwn + "\"";
+    EXPECT_EQ(newLog().back(), "error: " + text);
+    EXPECT_EQ(lastFailure().text, text);
+    EXPECT_THAT(lastFailure().advice, testing::HasSubstr("group disk"));
+    devices.addDisk(diskPath("sdc"),
+                    FakeDevices::Disk{page83(kWwn), true, true, -1});  // it may be opened, but does not answer
+    expectListing(printing(found));
+    EXPECT_EQ(find(), "");
+    EXPECT_THAT(lastFailure().text, testing::StartsWith("no disk of this host"));
+}
+
 TEST_F(DiskSearch, TurnsAnExceptionOfTheRunnerIntoAFailure)
 {
     expectListing(doing([] { throw std::runtime_error("boom"); }));

@@ -184,7 +184,8 @@ TEST_F(LunScan, EndsWhereTheLockCannotBeHad)
     scanning.get();
     const Lines lockFailed = {"error: Lock sem[" + std::to_string(set) + "] failed.", "error: Get Lock Failed"};
     EXPECT_EQ(newLog(), entered("scanLunAfterAttach", entered("getLun") + lockFailed, 1));
-    EXPECT_EQ(failure.text, "Get Lock Failed");
+    EXPECT_EQ(failure.text, "Get Lock Failed: Identifier removed (System V semaphore, key 1235)");
+    EXPECT_THAT(failure.advice, testing::StartsWith("Scan again"));
 }
 
 TEST_F(LunScan, GivesTheLockBackWhoeverThrows)

@@ -5,6 +5,7 @@
 
 #include <brevan/SnapshotHandler.h>
 
+#include <future>
 #include <stdexcept>
 
 namespace brevan::test {
@@ -72,6 +73,25 @@ TEST_F(ScanSteps, EndWithOneForAFailureWithoutACode)
     EXPECT_FALSE(lookUpSeven().has_value());
     const std::string text = "url error or internet error getSnapshot";
     expectFailure(failed("getSnapshot", text, 1005) + Lines{"record: someScan 1"}, 1005, text);
+}
+
+TEST_F(ScanSteps, EndWithTheReasonWhereTheLockCannotBeHad)
+{
+    makeSemaphore(0);
+    auto waiting = std::async(std::launch::async, [&] {
+        UpRescanLock lock;
+        const HeldRescanLock held(lock);
+        EXPECT_FALSE(requireLock(operation, held));
+        return lastFailure();
+    });
+    EXPECT_TRUE(eventually([] { return semaphoreWaiters() == 1; }));
+    const std::string set = std::to_string(semaphoreId());
+    removeSemaphore();
+    const Failure failure = waiting.get();
+    EXPECT_EQ(failure.text, "Get Lock Failed: Identifier removed (System V semaphore, key 1235)");
+    EXPECT_THAT(failure.advice, testing::StartsWith("Scan again"));
+    EXPECT_THAT(newLog(),
+                testing::ElementsAre("error: Lock sem[" + set + "] failed.", "error: Get Lock Failed", "record: someScan 1"));
 }
 
 TEST_F(ScanSteps, RescanTheHostAndHandOverWhatItSaid)

@@ -77,6 +77,15 @@ TEST(CommandRunner, GivesTheCommandNothingToReadAndNoOtherDescriptor)
     close(inherited);
 }
 
+TEST(CommandRunner, GivesTheCommandNoTerminalToAskOn)
+{
+    // A session that it leads itself has none until it opens one.
+    const CommandOutcome outcome =
+        runCommandLine("read -r pid name state parent group session rest </proc/self/stat; echo $session", kPatient);
+    EXPECT_NE(outcome.output.text(), std::to_string(getsid(0)) + "\n");
+    EXPECT_NE(runCommandLine(": </dev/tty", kPatient).exitStatus, 0);
+}
+
 TEST(CommandRunner, BoundsALargeOutput)
 {
     const CommandOutcome outcome = runCommandLine("head -c 104857600 /dev/zero", {seconds(60), seconds(1), 1000});
