@@ -2,6 +2,7 @@
 #include "Identity.h"
 #include "Inventory.h"
 #include "InventoryReader.h"
+#include "InventoryValues.h"
 #include "Mapping.h"
 #include "Secrets.h"
 #include "Text.h"
@@ -19,58 +20,6 @@ using Type = InventoryType;
 
 constexpr std::int64_t kLargestId = 999999999999999;
 constexpr std::int64_t kLargestPoolId = 999999999;
-constexpr std::size_t kLongestText = 255;
-
-[[noreturn]] void wrong(const std::string& mistake)
-{
-    throw std::runtime_error(mistake);
-}
-
-std::int64_t numberFrom(const nlohmann::json& value, std::uint64_t most)
-{
-    const auto fromText = value.is_string() ? decimal(value.get_ref<const std::string&>()) : std::nullopt;
-    if ((!value.is_number_unsigned() && !fromText) || (fromText ? *fromText : value.get<std::uint64_t>()) > most) {
-        wrong("a whole number from 0 to " + std::to_string(most) + " is wanted");
-    }
-    return static_cast<std::int64_t>(fromText ? *fromText : value.get<std::uint64_t>());
-}
-
-const std::string& textFrom(const nlohmann::json& value, std::size_t longest = kLongestText)
-{
-    if (!value.is_string()) {
-        wrong("a text is wanted");
-    }
-    const auto& text = value.get_ref<const std::string&>();
-    if (text.size() > longest || hasControlCharacter(text)) {
-        wrong("a text of at most " + std::to_string(longest) + " bytes without control characters is wanted");
-    }
-    return text;
-}
-
-const std::string& textThatIs(bool (*rule)(std::string_view), const nlohmann::json& value, const char* what)
-{
-    const std::string& text = textFrom(value);
-    if (!rule(text)) {
-        wrong(inQuotes(text) + " is not " + what);
-    }
-    return text;
-}
-
-std::string kindName(std::string table)
-{
-    std::replace(table.begin(), table.end(), '_', ' ');
-    return table == "lun" ? "LUN" : table == "lun group" ? "LUN group" : table;
-}
-
-bool isChapMode(std::string_view text)
-{
-    return text == "0" || text == "1" || text == "2";
-}
-
-bool isPortKind(std::string_view text)
-{
-    return text == "FC_PORT" || text == "FCoE_PORT" || text == "ETH_PORT";
-}
 
 /// Loads one document and knows the place where it is.
 class Loader {
@@ -263,6 +212,7 @@ private:
                     section, textThatIs(isObjectName, value, "a name of 1 to 31 letters, digits, \"_\", \"-\" and \".\""),
                     row);
             case Type::kText:
+                return textFrom(value, std::min<std::uint64_t>(column.most, 255));
             case Type::kWwn:
                 return textFrom(value);
             case Type::kNumber:
@@ -286,14 +236,6 @@ private:
                 break;
         }
         return std::monostate();
-    }
-
-    static Value flagFrom(const nlohmann::json& value)
-    {
-        if (!value.is_boolean()) {
-            wrong("true or false is wanted");
-        }
-        return std::int64_t{value.get<bool>()};
     }
 
     Value unused(const InventorySection& section, const Value& id)

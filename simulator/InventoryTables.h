@@ -15,7 +15,7 @@ enum class InventoryType {
     kId,         ///< of the object; left out: a free one
     kPoolId,     ///< chosen by people, never given by the array
     kName,       ///< by the rule for names, unique among objects of its kind
-    kText,       ///< up to 255 bytes without control characters
+    kText,       ///< up to `most`, but never more than 255 bytes without control characters
     kNumber,     ///< 0 to `most`
     kFlag,       ///< true or false
     kChapMode,   ///< "0", "1" or "2"
@@ -37,7 +37,7 @@ struct InventoryColumn {
     const char* column;
     InventoryType type;
     Missing missing = Missing::kMistake;
-    std::uint64_t most = 65535;       ///< kNumber
+    std::uint64_t most = 65535;       ///< kNumber, kText
     const char* table = nullptr;      ///< kReference, kMembers
     const char* members = nullptr;    ///< kMembers: their IDs, by the ID of the group
     const char* addMember = nullptr;  ///< kMembers: a statement that takes the IDs of group and member

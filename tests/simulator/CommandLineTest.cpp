@@ -144,3 +144,53 @@ TEST_F(CommandLine, RefusesAmountsThatMeanNothing)
         EXPECT_NE(m_errors.str().find(text), std::string::npos) << m_errors.str();
     }
 }
+
+TEST_F(CommandLine, TakesTheLimitsOfSessions)
+{
+    const auto options =
+        read({"--max-sessions", "3", "--session-idle", "30s", "--lockout-after", "2", "--lockout-time", "500ms"});
+    ASSERT_TRUE(options) << m_errors.str();
+    EXPECT_EQ(options->server.maxSessions, 3u);
+    EXPECT_EQ(options->server.sessionIdle, std::chrono::seconds(30));
+    EXPECT_EQ(options->server.lockoutAfter, 2u);
+    EXPECT_EQ(options->server.lockoutTime, std::chrono::milliseconds(500));
+}
+
+TEST_F(CommandLine, NeedsNoPasswordToWriteWhatIsInADatabase)
+{
+    unsetenv("BREVAN_SIM_PASSWORD");
+    const auto dump = read({"--dump", "--db", "a.db", "--output", "a.json"});
+    ASSERT_TRUE(dump) << m_errors.str();
+    EXPECT_EQ(dump->task, Task::kDump);
+    EXPECT_EQ(dump->server.database, "a.db");
+    EXPECT_EQ(dump->output, "a.json");
+    const auto chain = read({"--chain", "--seed", "a.json", "--format", "dot"});
+    ASSERT_TRUE(chain) << m_errors.str();
+    EXPECT_EQ(chain->task, Task::kChain);
+    EXPECT_EQ(chain->chainFormat, ChainFormat::kDot);
+    EXPECT_FALSE(read({}));
+}
+
+TEST_F(CommandLine, RefusesFlagsThatDoNotGoTogether)
+{
+    const std::vector<std::vector<const char*>> lines{
+        {"--dump"},
+        {"--dump", "--chain", "--db", "a"},
+        {"--dump", "--db", "a", "--seed", "b"},
+        {"--chain", "--db", "a", "--format", "svg"},
+        {"--format", "json"},
+        {"--output", "a"},
+        {"--db", ""},
+        {"--db", ":memory:"},
+        {"--seed", "a", "--pool", "0:p:1"},
+        {"--max-sessions", "0"},
+        {"--session-idle", "2h"},
+        {"--lockout-time", "soon"},
+    };
+    for (const auto& line : lines) {
+        m_errors.str("");
+        EXPECT_FALSE(read(line)) << line.back();
+        EXPECT_EQ(m_status, kUsageError) << line.back();
+        EXPECT_NE(m_errors.str().find("--help explains all flags"), std::string::npos) << m_errors.str();
+    }
+}

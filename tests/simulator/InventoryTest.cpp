@@ -245,6 +245,10 @@ INSTANTIATE_TEST_SUITE_P(
             R"("luns": [{"NAME": "a", "PARENTID": 0, "CAPACITY": 9, "WWN": "602b7e4492986b91000000000000000A"}])",
             "luns[0].WWN: '602b7e4492986b91000000000000000A' is not a WWN of this array: 32 digits, 602b7e4492986b91 and a "
             "serial number of 16 lower-case hexadecimal digits"},
+        BadInventory{
+            R"("fc_initiators": [{"ID": "2100000000000001", "NAME": "0123456789012345678901234567890123456789012345678901)"
+            R"(2345678901234567890123456789012345678901234567890123456789012345678901234567"}])",
+            "fc_initiators[0].NAME: a text of at most 127 bytes without control characters is wanted"},
         BadInventory{R"("iscsi_initiators": [{"ID": "host"}])", "iscsi_initiators[0].ID: 'host' is not an iSCSI name"},
         BadInventory{R"("iscsi_initiators": [{"ID": "iqn.a"}, {"ID": "iqn.a"}])",
                      "iscsi_initiators[1].ID: another object has the same ID"},
