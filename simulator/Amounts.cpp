@@ -18,7 +18,7 @@ struct Unit {
 constexpr Unit kTimes[] = {{"min", 60000000}, {"s", 1000000}, {"ms", 1000}, {"us", 1}};
 constexpr Unit kRates[] = {{"GB/s", 1000000000}, {"MB/s", 1000000}, {"kB/s", 1000}, {"B/s", 1}};
 constexpr const char* kUnlimited = "unlimited";
-constexpr std::uint64_t kFastest = 1000ull * 1000000000;
+constexpr std::uint64_t kFastest = std::uint64_t{1000} * 1000000000;
 
 template <std::size_t Count>
 std::optional<std::uint64_t> read(std::string_view text, const Unit (&units)[Count], std::uint64_t largest)

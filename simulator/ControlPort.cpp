@@ -121,9 +121,9 @@ void setPart(Link::Speed& speed, const std::string& key, const json& value)
     const auto latency = key == "latency" ? readDuration(text) : std::nullopt;
     const auto rate = key == "bandwidth" ? readRate(text) : std::nullopt;
     if (!latency && !rate) {
-        throw std::invalid_argument("The link has no " + inQuotes(key) + " of " + inQuotes(text) +
-                                    ": \"latency\" is a time such as \"5ms\", \"bandwidth\" a rate such as \"1MB/s\" or "
-                                    "\"unlimited\".");
+        throw std::invalid_argument(
+            "The link has no " + inQuotes(key) + " of " + inQuotes(text) +
+            R"(: "latency" is a time such as "5ms", "bandwidth" a rate such as "1MB/s" or "unlimited".)");
     }
     speed.latency = latency.value_or(speed.latency);
     speed.bytesPerSecond = rate.value_or(speed.bytesPerSecond);
@@ -133,7 +133,7 @@ WireReply setLink(const Call& call)
 {
     const json body = json::parse(call.request.body, nullptr, false);
     if (!body.is_object()) {
-        throw std::invalid_argument("The body must be a JSON object, such as {\"latency\": \"5ms\"}.");
+        throw std::invalid_argument(R"(The body must be a JSON object, such as {"latency": "5ms"}.)");
     }
     Link::Speed speed = call.link.speed();
     for (const auto& [key, value] : body.items()) {
@@ -187,7 +187,7 @@ constexpr ControlRoute kRoutes[] = {
     {"GET", "/journal", tellJournal, "the latest requests; ?after=NUMBER: only those after that one"},
     {"DELETE", "/journal", clearJournal, "forget them; numbers begin at 1 again"},
     {"GET", "/link", tellLink, "latency and bandwidth"},
-    {"PUT", "/link", setLink, "change them: {\"latency\": \"5ms\", \"bandwidth\": \"1MB/s\"}"},
+    {"PUT", "/link", setLink, R"(change them: {"latency": "5ms", "bandwidth": "1MB/s"})"},
     {"GET", "/chain", tellChain, "the mapping chain; ?format=text|json|dot"},
 };
 

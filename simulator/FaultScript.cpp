@@ -33,8 +33,9 @@ std::string checkedOperation(const std::string& operation, const Router& router)
 const json& member(const json& step, const char* key, bool rightType)
 {
     if (!rightType) {
-        throw std::invalid_argument(std::string("a step needs the member \"") + key + "\": \"operation\" is text such as " +
-                                    "\"POST /lungroup\", \"do\" a list of texts that is not empty");
+        throw std::invalid_argument(
+            std::string("a step needs the member ") + key +
+            R"(: "operation" is text such as "POST /lungroup", "do" a list of texts that is not empty)");
     }
     return step.at(key);
 }
@@ -42,11 +43,11 @@ const json& member(const json& step, const char* key, bool rightType)
 OperationFaults readStep(const json& step, const Router& router)
 {
     if (!step.is_object()) {
-        throw std::invalid_argument("a step must be an object with \"operation\" and \"do\"");
+        throw std::invalid_argument(R"(a step must be an object with "operation" and "do")");
     }
     for (const auto& item : step.items()) {
         if (item.key() != "operation" && item.key() != "do") {
-            throw std::invalid_argument("a step has no member " + inQuotes(item.key()) + ", only \"operation\" and \"do\"");
+            throw std::invalid_argument("a step has no member " + inQuotes(item.key()) + R"(, only "operation" and "do")");
         }
     }
     const bool named = step.contains("operation") && step["operation"].is_string();

@@ -43,15 +43,15 @@ ReplyBytes replyBytes(const WireReply& reply, bool keepAlive, bool headersOnly)
     const auto reason = http::obsolete_reason(http::int_to_status(reply.status));
     std::string text = "HTTP/1.1 " + std::to_string(reply.status) + " ";
     text.append(reason.data(), reason.size());
-    text += "\r\nContent-Type: " + reply.contentType + "\r\nCache-Control: no-store\r\n";
+    text.append("\r\nContent-Type: ").append(reply.contentType).append("\r\nCache-Control: no-store\r\n");
     for (const auto& [name, value] : reply.headers) {
-        text += name + ": " + value + "\r\n";
+        text.append(name).append(": ").append(value).append("\r\n");
     }
     if (!keepAlive) {
         text += "Connection: close\r\n";
     }
     const std::size_t size = headersOnly ? 0 : reply.body.size();
-    text += "Content-Length: " + std::to_string(reply.body.size()) + "\r\n\r\n";
+    text.append("Content-Length: ").append(std::to_string(reply.body.size())).append("\r\n\r\n");
     const std::size_t begin = text.size();
     text.append(reply.body, 0, size);
     return {std::move(text), begin};

@@ -83,7 +83,7 @@ private:
     {
         constexpr int kRunByOneThread = 1;
         std::deque<asio::io_context> contexts;
-        for (unsigned index = 0; index < std::max(threads, 1u); ++index) {
+        for (unsigned index = 0; index < std::max(threads, 1U); ++index) {
             contexts.emplace_back(kRunByOneThread);
         }
         return contexts;

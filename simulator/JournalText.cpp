@@ -79,7 +79,7 @@ std::string maskedBody(const std::string& body)
 std::string timeText(std::chrono::system_clock::time_point time)
 {
     const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(time.time_since_epoch()).count();
-    const std::time_t seconds = static_cast<std::time_t>(micros / 1000000);
+    const auto seconds = static_cast<std::time_t>(micros / 1000000);
     std::tm parts{};
     gmtime_r(&seconds, &parts);
     char text[64];
