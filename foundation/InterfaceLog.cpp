@@ -11,12 +11,27 @@
 
 namespace brevan {
 
+namespace {
+
+/// The second as text. The C library has one lock for all its threads' local times, so each thread asks once a second.
+const TimeText& secondText(time_t second)
+{
+    thread_local time_t known = -1;
+    thread_local TimeText text{};
+    if (second != known) {
+        std::tm local{};
+        localtime_r(&second, &local);
+        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &local);
+        known = second;
+    }
+    return text;
+}
+
+}  // namespace
+
 TimeText timeText(const timeval& instant)
 {
-    TimeText text{};
-    std::tm local{};
-    localtime_r(&instant.tv_sec, &local);
-    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &local);
+    TimeText text = secondText(instant.tv_sec);
     std::array<char, 32> milliseconds{};
     std::snprintf(milliseconds.data(), milliseconds.size(), " %03ld", static_cast<long>(instant.tv_usec / 1000));
     strcat_s(text.data(), text.size(), milliseconds.data());

@@ -1,5 +1,6 @@
 #include "platform/plimlog/LogRegistry.h"
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <stdexcept>
@@ -74,6 +75,7 @@ int LogRegistry::start(const char* tag, const char* configFile, const char* logD
         }
         try {
             startLog(textOf(tag), configFile, logDirectory);
+            noteLevels();
             return 0;
         } catch (const std::exception& failure) {
             m_complaints.say("the log of \"" + textOf(tag) + "\" is off: " + failure.what() + "." + advice(configFile));
@@ -108,11 +110,27 @@ int LogRegistry::stop(const char* tag) noexcept
         return -1;
     }
     m_logs.erase(found);
+    noteLevels();
     return 0;
+}
+
+void LogRegistry::noteLevels()
+{
+    LogLevel run = LogLevel::Off;
+    LogLevel record = LogLevel::Off;
+    for (const auto& [tag, log] : m_logs) {
+        run = std::min(run, log.settings().run.level);
+        record = std::min(record, log.settings().interface.level);
+    }
+    m_leastRun = run;
+    m_leastRecord = record;
 }
 
 void LogRegistry::run(const char* tag, LogLevel level, const char* message) noexcept
 {
+    if (level < m_leastRun.load(std::memory_order_relaxed)) {
+        return;
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (TagLog* log = find(tag)) {
         log->run(level, message != nullptr ? message : "(null)");
@@ -121,6 +139,9 @@ void LogRegistry::run(const char* tag, LogLevel level, const char* message) noex
 
 void LogRegistry::record(const InterfaceCall& call, bool succeeded) noexcept
 {
+    if ((succeeded ? LogLevel::Info : LogLevel::Error) < m_leastRecord.load(std::memory_order_relaxed)) {
+        return;
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (TagLog* log = find(call.tag)) {
         log->record(call, succeeded);

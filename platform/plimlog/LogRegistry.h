@@ -4,6 +4,7 @@
 #include "platform/plimlog/Complaints.h"
 #include "platform/plimlog/TagLog.h"
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -38,8 +39,11 @@ public:
 private:
     void startLog(const std::string& tag, const char* configFile, const char* logDirectory);
     TagLog* find(const char* tag);
+    void noteLevels();
 
     std::mutex m_mutex;
+    std::atomic<LogLevel> m_leastRun{LogLevel::Off};  // of all logs: what is below needs no lock
+    std::atomic<LogLevel> m_leastRecord{LogLevel::Off};
     Complaints m_complaints;
     std::map<std::string, TagLog, std::less<>> m_logs;
 };

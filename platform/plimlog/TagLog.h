@@ -20,6 +20,8 @@ public:
     /// Throws std::runtime_error with a text for the user where `directory` cannot be written.
     TagLog(const std::string& tag, std::string directory, LogSettings settings, Complaints& complaints);
 
+    const LogSettings& settings() const { return m_settings; }
+
     /// Neither throws: a line for which there is no memory is counted like one for which there is no room.
     void run(LogLevel level, std::string_view text) noexcept;
     void record(const InterfaceCall& call, bool succeeded) noexcept;

@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -63,6 +64,7 @@ public:
     const char* failureText() const;
 
     std::chrono::steady_clock::time_point idleSince{};
+    std::thread::id lastThread;  ///< that used it last; whoever frees what another has allocated waits for it
 
 private:
     struct HandleCloser {

@@ -2,6 +2,8 @@
 
 #include "ForkGate.h"
 
+#include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace brevan {
@@ -52,6 +54,19 @@ ConnectionPool::Lease::~Lease()
     }
 }
 
+/// The last used, of those that this thread has used if there are any: what a connection keeps lies in the memory of that thread.
+std::unique_ptr<Connection> ConnectionPool::takeIdle(std::vector<std::unique_ptr<Connection>>& idle)
+{
+    const auto isOurs = [self = std::this_thread::get_id()](const auto& connection) {
+        return connection->lastThread == self;
+    };
+    const auto ours = std::find_if(idle.rbegin(), idle.rend(), isOurs);
+    const auto place = ours == idle.rend() ? idle.end() - 1 : ours.base() - 1;
+    std::unique_ptr<Connection> connection = std::move(*place);
+    idle.erase(place);
+    return connection;
+}
+
 ConnectionPool::Lease ConnectionPool::take(const Server& server, const Settings& settings)
 {
     initialiseCurl();
@@ -61,9 +76,7 @@ ConnectionPool::Lease ConnectionPool::take(const Server& server, const Settings&
         const std::lock_guard<std::mutex> lock(m_mutex);
         ServerPool& pool = m_pools[key];
         if (!pool.idle.empty()) {
-            std::unique_ptr<Connection> connection = std::move(pool.idle.back());
-            pool.idle.pop_back();
-            return Lease(*this, std::move(key), std::move(connection));
+            return Lease(*this, std::move(key), takeIdle(pool.idle));
         }
         if (pool.tlsSessions == nullptr) {
             pool.tlsSessions = std::make_shared<TlsSessions>();
@@ -78,6 +91,7 @@ void ConnectionPool::giveBack(const std::string& key, std::unique_ptr<Connection
     const Clock::time_point now = Clock::now();
     bool isSweepDue = false;
     connection->idleSince = now;
+    connection->lastThread = std::this_thread::get_id();
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_pools[key].idle.push_back(std::move(connection));

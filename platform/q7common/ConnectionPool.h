@@ -57,6 +57,7 @@ private:
     };
     using Pools = std::unordered_map<std::string, ServerPool>;
 
+    static std::unique_ptr<Connection> takeIdle(std::vector<std::unique_ptr<Connection>>& idle);
     void giveBack(const std::string& key, std::unique_ptr<Connection> connection);
     bool isTimeToSweep(std::chrono::steady_clock::time_point now);
 

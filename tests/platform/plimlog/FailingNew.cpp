@@ -25,6 +25,16 @@ void* operator new(std::size_t bytes)
     return allocate(bytes);
 }
 
+// The sanitizer has one of its own, which would not go with our delete.
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept
+{
+    try {
+        return allocate(bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* memory) noexcept
 {
     std::free(memory);

@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <functional>
+#include <future>
 #include <thread>
 
 namespace brevan {
@@ -27,6 +29,36 @@ TEST_F(Pool, GivesOutTheLastUsedFirst)
         EXPECT_NE(first.operator->(), second.operator->());
     }
     EXPECT_EQ(pool.take(server, settings).operator->(), last);
+}
+
+TEST_F(Pool, GivesAThreadWhatItHasUsedItself)
+{
+    ConnectionPool pool;
+    const SettingsPointer settings = currentSettings();
+    const auto use = [&pool, settings](const std::function<void()>& meanwhile) -> const Connection* {
+        ConnectionPool::Lease lease = pool.take({"127.0.0.1", "1"}, *settings);
+        meanwhile();
+        lease.keep();
+        return lease.operator->();
+    };
+    const auto nothing = [] {};
+    std::promise<void> isOver;
+    const Connection* theirs = nullptr;
+    std::thread other;
+    const Connection* const ours = use([&] {  // while we hold one, another thread makes, uses and gives back one of its own
+        std::promise<void> isUsed;
+        other = std::thread([&] {
+            theirs = use(nothing);
+            isUsed.set_value();
+            isOver.get_future().wait();
+            EXPECT_EQ(use(nothing), theirs) << "though ours was used later";
+        });
+        isUsed.get_future().wait();
+    });
+    EXPECT_NE(ours, theirs);
+    EXPECT_EQ(use(nothing), ours);
+    isOver.set_value();
+    other.join();
 }
 
 TEST_F(Pool, ClosesWhatIsNotToBeKept)
