@@ -86,6 +86,16 @@ void deleteDisk(const std::string& path)
     run("echo 1 >/sys/block/" + nameOf(path) + "/device/delete && udevadm settle");
 }
 
+void addDebugDisk(const std::string& parameters)
+{
+    run("modprobe scsi_debug dev_size_mb=8 " + parameters + " && udevadm settle");
+}
+
+void removeDebugDisk()
+{
+    run("for i in $(seq 200); do rmmod scsi_debug 2>/dev/null && break; sleep 0.1; done; udevadm settle");  // udev may have it open
+}
+
 std::string pattern(int number)
 {
     std::string bytes(kPatternBytes, '\0');

@@ -25,6 +25,10 @@ std::string wwnBySgInq(const std::string& path);
 /// The host forgets a disk: by hand, since the array cannot make it.
 void deleteDisk(const std::string& path);
 
+/// A disk of the kernel's own making, whose first designator is a text; its further parameters as modprobe takes them.
+void addDebugDisk(const std::string& parameters = "");
+void removeDebugDisk();
+
 /// Bytes that differ from pattern to pattern and from block to block.
 std::string pattern(int number);
 

@@ -136,14 +136,14 @@ TEST_F(WrongDisk, IsNoneWhereTheDiskAnswersWithCheckCondition)
 
 TEST_F(WrongDisk, IsNoneWhereTheFirstDesignatorIsAText)
 {
-    run("modprobe scsi_debug dev_size_mb=8 && udevadm settle");
+    addDebugDisk();
     const Names links = linkNames();
     const auto link =
         std::find_if(links.begin(), links.end(), [](const auto& name) { return name.rfind("scsi-3333", 0) == 0; });
     ASSERT_NE(link, links.end());  // udev names it after its second designator
     EXPECT_EQ(search(link->substr(6)), "");
     EXPECT_EQ(client.scan(lun.ID), path);
-    run("rmmod scsi_debug && udevadm settle");
+    removeDebugDisk();
 }
 
 TEST_F(WrongDisk, IsNoneForAnUpperCaseWwn)
