@@ -259,7 +259,7 @@ private:
 
     Value reference(const InventoryColumn& column, const nlohmann::json& value)
     {
-        const Value id = numberFrom(value, kLargestId);
+        Value id = numberFrom(value, kLargestId);
         if (!m_database.exists(std::string("SELECT 1 FROM ") + column.table + " WHERE id = ?", {id})) {
             wrong("there is no " + kindName(column.table) + " with the ID " + std::to_string(std::get<std::int64_t>(id)));
         }
@@ -295,7 +295,7 @@ private:
 
     std::string place() const
     {
-        const std::string key = m_key;
+        std::string key = m_key;
         if (m_section == nullptr) {
             return key;
         }
