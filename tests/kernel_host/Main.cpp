@@ -1,6 +1,7 @@
 // The tests' own main(): besides GoogleTest's arguments, a program takes numbers (--rounds=50).
 #include "KernelHost.h"
 
+#include <cstdio>
 #include <map>
 
 namespace {
@@ -21,6 +22,7 @@ int brevan::test::amount(const std::string& name, int usual)
 
 int main(int argc, char** argv)
 {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // what was measured leaves a guest that is ended, too
     testing::InitGoogleTest(&argc, argv);
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];

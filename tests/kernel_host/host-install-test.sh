@@ -53,6 +53,17 @@ echo '# more' >>$SCRIPT
 check 1 "/opt/root_tool can be written by others" "--check with a folder that others may write" "$INSTALL" --check
 cp $out /tmp/findings
 for part in "$SCRIPT must belong to root" "$SCRIPT differs"; do check 0 "" "... $part" grep -qF "$part" /tmp/findings; done
+"$INSTALL" --user backup >/dev/null
+check 0 "are in place" "--check after it was installed again" "$INSTALL" --check --user backup
+mv /opt/root_tool /opt/elsewhere && ln -s /opt/elsewhere /opt/root_tool
+check 1 "/opt/root_tool is a symbolic link" "--check with a link in the path" "$INSTALL" --check
+rm /opt/root_tool && mv /opt/elsewhere /opt/root_tool
+chmod 777 /opt
+check 1 "/opt can be written by others" "--check with an /opt that others may write" "$INSTALL" --check
+chmod 755 /opt && chown backup /opt/root_tool/common
+check 1 "/opt/root_tool/common must belong to root" "--check with a folder of the user's" "$INSTALL" --check
+chown root /opt/root_tool/common && chmod 755 /opt/root_tool
+check 0 "are in place" "--check with all in order again" "$INSTALL" --check
 check 0 "removed" "--uninstall" "$INSTALL" --uninstall
 check 1 "is missing" "--check after it" "$INSTALL" --check
 check 1 "" "the user may do nothing now" rescan "$SCRIPT" do_uprescan
