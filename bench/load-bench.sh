@@ -13,23 +13,11 @@ ROUNDS=3
 MOST_MIB=256
 DEVICE=/deviceManager/rest/210000000001
 work=$(mktemp -d)
-array="" web=""
-
-cleanUp() {
-    local process
-    for process in $array $web; do
-        kill "$process" 2>/dev/null || continue
-        wait "$process" 2>/dev/null || true
-    done
-    rm -rf "$work"
-}
-trap cleanUp EXIT
-
-waitFor() {                                  # WHAT COMMAND...: until the command succeeds
-    local tries
-    for tries in {1..200}; do "${@:2}" >/dev/null 2>&1 && return; sleep 0.05; done
-    die "$1 did not begin to serve ($tries tries; logs: $(tail -n 3 "$work"/*.log))"
-}
+array=""
+# shellcheck source=bench/web.sh
+source "$TOP/bench/web.sh"
+# shellcheck disable=SC2086
+trap 'stopProcesses $array $web; rm -rf "$work"' EXIT
 
 startArray() {
     BREVAN_SIM_PASSWORD=secret "$BUILD/bin/brevan-array-sim" --ca-file "$work/ca.pem" --port-file "$work/port" >"$work/array.log" 2>&1 &
@@ -61,34 +49,11 @@ makeLun() {                                  # leaves the URL of its record in $
     grep -q '"code":0' "$work/record.json" || die "the array did not answer: $(<"$work/record.json")"
 }
 
-freePort() {                                 # one on which nobody answers
-    local port
-    while port=$((20000 + RANDOM % 10000)); (: >"/dev/tcp/127.0.0.1/$port") 2>/dev/null; do :; done
-    echo "$port"
-}
-
-# A certificate of the same kind and key type as the array's, and replies of the same size.
-startWeb() {
-    local port user=""
-    port=$(freePort)
-    [[ $EUID -ne 0 ]] || user="user root;"
-    openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj /CN=127.0.0.1 \
-        -addext subjectAltName=IP:127.0.0.1 -keyout "$work/key.pem" -out "$work/web.pem" 2>"$work/openssl.log"
-    cat >"$work/nginx.conf" <<END
-daemon off; worker_processes 2; pid $work/nginx.pid; error_log $work/nginx-errors.log; $user
-events { worker_connections 2048; }
-http {
-    access_log off; default_type application/json; keepalive_requests 100000000; keepalive_timeout 600; sendfile on;
-    client_body_temp_path $work/t1; proxy_temp_path $work/t2; fastcgi_temp_path $work/t3; uwsgi_temp_path $work/t4; scgi_temp_path $work/t5;
-    server { listen 127.0.0.1:$port ssl; ssl_certificate $work/web.pem; ssl_certificate_key $work/key.pem; root $work/www; }
-}
-END
+startWebOfRecord() {                         # replies of the same size
     mkdir "$work/www"
     cp "$work/record.json" "$work/www/record.json"
-    nginx -e "$work/nginx-errors.log" -c "$work/nginx.conf" >"$work/nginx.log" 2>&1 &
-    web=$!
-    file=https://127.0.0.1:$port/record.json
-    waitFor nginx curl -sS --fail --cacert "$work/web.pem" "$file"
+    startWeb /record.json
+    file=https://127.0.0.1:$web_port/record.json
 }
 
 load() {                                     # URL: prints the requests a second; any error of a client or a reply ends the benchmark
@@ -118,6 +83,6 @@ peakMemory() {
 startArray
 logIn
 makeLun
-startWeb
+startWebOfRecord
 compare
 peakMemory
