@@ -8,6 +8,7 @@ extendedTests() {
     extendedCheck mutants Mutants "$TOP/scripts/mutants.sh"
     extendedTidy
     extendedKernelHost LifeLong life_tests --rounds=50
+    extendedKernelHost ManyLong many_tests --disks=64
 }
 
 measureCoverage() {                          # scripts/test.sh --coverage: this one alone
