@@ -85,7 +85,6 @@ void compare(HttpsSession& client, const std::string& name, const std::string& l
 
 }  // namespace
 
-// What goes wrong ends the program with its text. NOLINTNEXTLINE(bugprone-exception-escape)
 int main()
 {
     const SeedFile seed;

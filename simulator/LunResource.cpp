@@ -83,7 +83,7 @@ Answer createLun(RequestContext& context)
                             {"name", lun.name},
                             {"pool_id", pool},
                             {"description", context.body.text("DESCRIPTION")},
-                            {"alloc_type", std::int64_t{size.thin}},
+                            {"alloc_type", std::int64_t{size.thin ? 1 : 0}},
                             {"capacity", size.capacity},
                             {"allocated", size.allocated},
                             {"thin_usage", size.usage},

@@ -19,7 +19,7 @@ Answer createMappingView(RequestContext& context)
     context.database().insert("mapping_view", {{"id", view.id},
                                                {"name", view.name},
                                                {"description", context.body.text("DESCRIPTION")},
-                                               {"in_band", std::int64_t{context.body.flag("ENABLEINBANDCOMMAND")}},
+                                               {"in_band", std::int64_t{context.body.flag("ENABLEINBANDCOMMAND") ? 1 : 0}},
                                                {"unsettled", std::int64_t{context.array.options.settleReads}}});
     return recordAnswer(context, mappingViewKind(), view.id);
 }

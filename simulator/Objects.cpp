@@ -47,7 +47,7 @@ Answer readCount(RequestContext& context, const ResourceKind& kind)
 
 std::string checkedName(const RequestContext& context)
 {
-    const std::string name = context.body.requireText("NAME");
+    std::string name = context.body.requireText("NAME");
     if (!isObjectName(name)) {
         throw ApiError(kBadName,
                        "The name " + inQuotes(name) + " is not allowed: 1 to 31 letters, digits, \"_\", \"-\" and \".\".");
