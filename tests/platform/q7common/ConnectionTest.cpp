@@ -94,14 +94,14 @@ TEST_F(ConnectionTo, AFreshServerThatDiesRepeatsNothing)
 TEST_F(ConnectionTo, AServerThatClosedItWhileIdleIsMadeAnewBeforeUse)
 {
     TlsServer server(identity());
-    for (int round = 0; round < 25; ++round) {
+    for (int round = 0; round < 250; ++round) {
         for (const REST_REQUEST_MODE_E mode : kModes) {
             ASSERT_EQ(send(server.url(), mode).result, REST_ANSWERED);
             server.closeConnections();
         }
     }
-    EXPECT_EQ(server.requestCount(), 100U);
-    EXPECT_EQ(server.connectionCount(), 100);
+    EXPECT_EQ(server.requestCount(), 1000U);
+    EXPECT_EQ(server.connectionCount(), 1000);
     EXPECT_THAT(RunLogRecorder::lines(), IsEmpty());
 }
 
