@@ -47,7 +47,7 @@ void useSettings(const std::string& folder, const std::string& authority)
 {
     const std::string file = folder + "/transport.ini";
     std::ofstream(file) << "[tls]\nca_file = " << authority
-                        << "\n[time]\nrequest_seconds = 0.5\n[limits]\nreply_megabytes = 1\n";
+                        << "\n[time]\nrequest_seconds = 2\n[limits]\nreply_megabytes = 1\n";
     setenv("BREVAN_TRANSPORT_CONFIG", file.c_str(), 1);
 }
 

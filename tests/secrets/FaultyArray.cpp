@@ -9,7 +9,7 @@
 namespace brevan::test {
 namespace {
 
-const std::vector<std::string> kFaults = {"error 1077936859", "status 503",  "stall 2s", "reset before",
+const std::vector<std::string> kFaults = {"error 1077936859", "status 503",  "stall 3s", "reset before",
                                           "reset after",      "cut 1",       "cut 40",   "garbage",
                                           "wrong types",      "session gone"};
 
