@@ -21,6 +21,7 @@ run() {                                      # WHAT STATUS PROGRAM [ARGUMENT...]
     local status=0
     spied "$BUILD/bin/$3" "${@:4}" >>"$SAID/$3" 2>&1 || status=$?
     is "$1" "$status" "$2"
+    [[ $status == "$2" ]] || tail -n 5 "$SAID/$3"
 }
 
 runExamples() {
