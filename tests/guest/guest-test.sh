@@ -19,7 +19,8 @@ check "SIGCHLD ignored" "$BUILD/bin/guest_job" sigchld
 check "children collected by another thread" "$BUILD/bin/guest_job" collector
 check "a signal every millisecond" "$BUILD/bin/guest_job" signals
 check "a stack of 64 KiB" "$BUILD/bin/guest_job" stack
-check "fork without exec" "$BUILD/bin/guest_job" fork
+# The child makes the lock that keeps forks out anew; the thread sanitizer cannot see that and takes it for held ever after.
+[[ $(ldd "$BUILD/bin/guest_job") == *libtsan* ]] || check "fork without exec" "$BUILD/bin/guest_job" fork
 step "oddities done"
 
 # Multipath software, and the setting that lets a disk found without a rescan be followed by one, which is slow.

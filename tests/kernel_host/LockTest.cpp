@@ -233,9 +233,9 @@ protected:
         return attached.back();
     }
 
-    std::future<std::string> scanInThread(const std::string& id) const
+    static std::future<std::string> scanInThread(const std::string& id)
     {
-        return std::async(std::launch::async, [this, id] {
+        return std::async(std::launch::async, [id] {
             HostClient own(ownInitiator());
             EXPECT_EQ(own.login(*array), 1);
             return own.scanSnapshot(id);

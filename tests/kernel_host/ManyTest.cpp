@@ -114,7 +114,7 @@ TEST_F(Many, AttachesOfProcessesInOneSecondFailAllButOne)
         running.push_back(std::make_unique<ClientProcess>(*array, std::vector<std::string>{"attach", id, when}));
     }
     std::vector<Attempt> attempts;
-    for (int i = 0; i < kAtOnce; ++i) {
+    for (std::size_t i = 0; i < running.size(); ++i) {
         auto said = running[i]->said();
         attempts.push_back({lunIds[i], said["result"], said["operation"], said["text"]});
     }
@@ -142,7 +142,7 @@ TEST_F(Many, DisksAreFoundEachAndNoOther)
         ASSERT_NE(paths.back(), "") << lastFailure().text;
         EXPECT_EQ(lunNumber(created.WWN), static_cast<unsigned>(i) + 1);
     }
-    for (int i = 0; i < wanted; ++i) {
+    for (std::size_t i = 0; i < paths.size(); ++i) {
         EXPECT_EQ(wwnBySgInq(paths[i]), wwns[i]);
     }
     EXPECT_EQ(std::set<std::string>(paths.begin(), paths.end()).size(), paths.size());

@@ -35,7 +35,7 @@ JournalEntry entry(std::uint64_t number)
 
 TEST_F(JournalFileTest, AddsALineForEachEntryAlsoAfterARestart)
 {
-    for (const std::uint64_t number : {1, 2}) {
+    for (const std::uint64_t number : {1U, 2U}) {
         JournalFile(m_path).write(entry(number));
     }
     const std::string text = readFile(m_path, 10000);

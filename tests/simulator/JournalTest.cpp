@@ -31,7 +31,7 @@ TEST(Journal, KeepsRequestsInTheOrderInWhichTheyArrived)
     EXPECT_EQ(journal.arrive(), 1u);
     EXPECT_EQ(journal.arrive(), 2u);
     EXPECT_EQ(journal.arrive(), 3u);
-    for (const std::uint64_t number : {2, 3, 1}) {
+    for (const std::uint64_t number : {2U, 3U, 1U}) {
         journal.add(entry(number));
     }
     EXPECT_EQ(numbers(journal.entries()), (std::vector<std::uint64_t>{1, 2, 3}));

@@ -55,7 +55,8 @@ TEST(JournalText, WritesAnEntryAsOneLineOfJson)
     entry.duration = std::chrono::microseconds(67);
     const std::string line = journalLine(entry);
     EXPECT_EQ(line.find('\n'), std::string::npos);
-    EXPECT_EQ(line.find("{\"number\":3,\"time\":\"1970-01-01T00:00:00.000000Z\",\"session\":4,\"connection\":5,"), 0u) << line;
+    EXPECT_EQ(line.find("{\"number\":3,\"time\":\"1970-01-01T00:00:00.000000Z\",\"session\":4,\"connection\":5,"), 0u)
+        << line;
     const Data data = Data::parse(line);
     EXPECT_EQ(data.at("path").text(), "/lun\n\xef\xbf\xbd");
     EXPECT_EQ(data.at("body").text(), R"({"NAME":"a"})");
