@@ -24,12 +24,12 @@ struct Slot {
 /// The place in the table of virtual functions, read from a pointer to the member: 1 plus the place in bytes where the function
 /// is virtual (Itanium C++ ABI, clause 2.3).
 template <class Member>
-std::intptr_t slotOf(Member member)
+Slot slot(const char* operation, Member member)
 {
     std::intptr_t words[2] = {};
     static_assert(sizeof member == sizeof words, "a pointer to a member function has two words");
     std::memcpy(words, &member, sizeof words);
-    return (words[0] - 1) / static_cast<std::intptr_t>(sizeof(void*));
+    return {operation, (words[0] - 1) / static_cast<std::intptr_t>(sizeof(void*))};
 }
 
 struct Interface {
@@ -42,7 +42,7 @@ void PrintTo(const Interface& interface, std::ostream* out)
     *out << interface.name;
 }
 
-#define SLOT(Class, operation) Slot{#operation, slotOf(&Class::operation)}
+#define SLOT(Class, operation) slot(#operation, &Class::operation)
 
 const std::vector<Interface> kInterfaces = {
     {"CDeviceManager",

@@ -90,8 +90,8 @@ TEST_F(ScanSteps, EndWithTheReasonWhereTheLockCannotBeHad)
     const Failure failure = waiting.get();
     EXPECT_EQ(failure.text, "Get Lock Failed: Identifier removed (System V semaphore, key 1235)");
     EXPECT_THAT(failure.advice, testing::StartsWith("Scan again"));
-    EXPECT_THAT(newLog(),
-                testing::ElementsAre("error: Lock sem[" + set + "] failed.", "error: Get Lock Failed", "record: someScan 1"));
+    EXPECT_THAT(newLog(), testing::ElementsAre("error: Lock sem[" + set + "] failed.", "error: Get Lock Failed",
+                                               "record: someScan 1"));
 }
 
 TEST_F(ScanSteps, RescanTheHostAndHandOverWhatItSaid)

@@ -30,8 +30,9 @@ std::string refusal(const std::string& line)
 
 TEST(Fault, IsWrittenAsItWasRead)
 {
-    for (const char* line : {"error 1077949006", "error -401", "error 7 not yet", "status 503", "stall 2s", "stall 1500ms",
-                             "reset before", "reset after", "cut 40", "cut 0", "garbage", "wrong types", "session gone", "pass"}) {
+    for (const char* line :
+         {"error 1077949006", "error -401", "error 7 not yet", "status 503", "stall 2s", "stall 1500ms", "reset before",
+          "reset after", "cut 40", "cut 0", "garbage", "wrong types", "session gone", "pass"}) {
         EXPECT_EQ(faultText(readFault(line)), line);
     }
 }
@@ -39,7 +40,8 @@ TEST(Fault, IsWrittenAsItWasRead)
 TEST(Fault, SaysWhatIsWrongWithALine)
 {
     EXPECT_EQ(refusal("Pass").find("the fault 'Pass' is none of \"error CODE\", "), 0u);
-    EXPECT_EQ(refusal("error 0"), "the fault 'error 0' needs a code that is not 0: 0 would tell the client that it was done");
+    EXPECT_EQ(refusal("error 0"),
+              "the fault 'error 0' needs a code that is not 0: 0 would tell the client that it was done");
     EXPECT_EQ(refusal("status 200"), "the fault 'status 200' needs a whole number from 300 to 599");
     EXPECT_EQ(refusal("stall 2"), "the fault 'stall 2' needs a time of at most an hour, such as 500ms or 2s");
     EXPECT_EQ(refusal("cut -1"), "the fault 'cut -1' needs a whole number from 0 to 1073741824");

@@ -1,6 +1,6 @@
 // Every kind of fault as a client meets it, over a real connection.
-#include "ServedArray.h"
 #include "ScriptedFaults.h"
+#include "ServedArray.h"
 
 #include "simulator/ErrorCodes.h"
 

@@ -170,7 +170,9 @@ TEST_F(Restart, NeedsADatabaseThatIsThere)
     EXPECT_EQ(exitStatus(), 1);
     EXPECT_NE(content("errors").find(file("none.db")), std::string::npos) << content("errors");
     EXPECT_FALSE(std::filesystem::exists(file("none.db")));
-    { const Database empty(file("empty.db")); }
+    {
+        const Database empty(file("empty.db"));
+    }
     start({"--chain", "--db", file("empty.db")});
     EXPECT_EQ(exitStatus(), 1);
     EXPECT_EQ(content("errors"), "brevan-array-sim: " + file("empty.db") + " has no array yet\n");
