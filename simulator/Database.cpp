@@ -13,6 +13,8 @@ namespace {
 // Filters make statements of many texts; beyond this many the store starts again instead of growing.
 constexpr std::size_t kKeptStatements = 512;
 constexpr std::size_t kKeptTexts = 20000;
+constexpr std::size_t kKeptIds = 500000;  // a longer list is kept alone
+constexpr std::size_t kKeptLists = 256;
 
 [[noreturn]] void fail(sqlite3* handle, const std::string& what)
 {
@@ -207,15 +209,39 @@ std::int64_t Database::next(const std::string& counter)
     return number("UPDATE counter SET next = next + 1 WHERE name = ? RETURNING next - 1", {counter});
 }
 
-const std::string* Database::kept(const std::string& key)
+void Database::forgetWhatChanged()
 {
     const std::int64_t changes = sqlite3_total_changes64(m_handle.get());
     if (changes != m_keptSince) {
         m_kept.clear();
+        m_keptIds.clear();
+        m_keptIdCount = 0;
         m_keptSince = changes;
     }
+}
+
+const std::string* Database::kept(const std::string& key)
+{
+    forgetWhatChanged();
     const auto found = m_kept.find(key);
     return found == m_kept.end() ? nullptr : &found->second;
+}
+
+const std::vector<Value>* Database::keptIds(const std::string& key)
+{
+    forgetWhatChanged();
+    const auto found = m_keptIds.find(key);
+    return found == m_keptIds.end() ? nullptr : &found->second;
+}
+
+const std::vector<Value>& Database::keepIds(const std::string& key, std::vector<Value> ids)
+{
+    if (m_keptIdCount + ids.size() > kKeptIds || m_keptIds.size() >= kKeptLists) {
+        m_keptIds.clear();
+        m_keptIdCount = 0;
+    }
+    m_keptIdCount += ids.size();
+    return m_keptIds[key] = std::move(ids);
 }
 
 const std::string& Database::keep(const std::string& key, std::string text)

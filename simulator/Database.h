@@ -65,6 +65,9 @@ public:
     const std::string* kept(const std::string& key);
     /// Keeps one. Valid until the next call of either.
     const std::string& keep(const std::string& key, std::string text);
+    /// The same for lists of IDs.
+    const std::vector<Value>* keptIds(const std::string& key);
+    const std::vector<Value>& keepIds(const std::string& key, std::vector<Value> ids);
 
 private:
     struct Closer {
@@ -80,11 +83,14 @@ private:
     sqlite3_stmt* prepare(const std::string& sql);
     void script(const std::string& sql);
     void openSchema();
+    void forgetWhatChanged();
     friend class Transaction;
 
     Handle m_handle;
     std::unordered_map<std::string, std::vector<Prepared>> m_statements;
     std::unordered_map<std::string, std::string> m_kept;
+    std::unordered_map<std::string, std::vector<Value>> m_keptIds;
+    std::size_t m_keptIdCount = 0;  ///< in all lists together
     std::int64_t m_keptSince = -1;  ///< count of changes then
 };
 

@@ -12,8 +12,6 @@ namespace brevan::sim {
 
 namespace {
 
-constexpr std::uint64_t kUsualRange = 128;
-
 /// Which objects are wanted, while it is put together.
 struct Condition {
     std::string from;
@@ -138,6 +136,49 @@ Condition conditionOf(Database& database, const ResourceKind& kind, const Reques
     return condition;
 }
 
+/// The IDs of those that the condition picks, in order, at most so many of them.
+std::vector<Value> idsOf(Database& database, const ResourceKind& kind, const Condition& condition, std::uint64_t most)
+{
+    std::vector<Value> parameters = condition.parameters;
+    parameters.emplace_back(static_cast<std::int64_t>(most));
+    Statement row = database.query(std::string("SELECT ") + kind.table + ".id FROM " + condition.from + " WHERE " +
+                                       condition.sql + " ORDER BY " + condition.order + " LIMIT ?",
+                                   parameters);
+    std::vector<Value> ids;
+    while (row.step()) {
+        ids.push_back(kind.numericId ? Value(row.number(0)) : Value(row.text(0)));
+    }
+    return ids;
+}
+
+std::string keyOf(const ResourceKind& kind, const Condition& condition)
+{
+    std::string key = std::string(kind.name) + " " + condition.sql;
+    for (const Value& parameter : condition.parameters) {
+        const std::string text = idText(parameter);
+        key += " " + std::to_string(text.size()) + " " + text;
+    }
+    return key;
+}
+
+/// A client reads a long list page by page. Walking to each page from the beginning would make the last ones the dearest, so
+/// the second page finds out about all of them at once, and those after it are cut out of what is kept.
+std::vector<Value> pageOf(Database& database, const ResourceKind& kind, const Condition& condition, std::uint64_t first,
+                          std::uint64_t most)
+{
+    if (first == 0) {
+        return idsOf(database, kind, condition, most);
+    }
+    const std::string key = keyOf(kind, condition);
+    const std::vector<Value>* all = database.keptIds(key);
+    if (all == nullptr) {
+        all = &database.keepIds(key, idsOf(database, kind, condition, std::numeric_limits<std::int64_t>::max()));
+    }
+    const std::uint64_t begin = std::min<std::uint64_t>(first, all->size());
+    const std::uint64_t end = begin + std::min(most, all->size() - begin);
+    return {all->begin() + static_cast<std::ptrdiff_t>(begin), all->begin() + static_cast<std::ptrdiff_t>(end)};
+}
+
 [[noreturn]] void unknown(const ResourceKind& kind, const std::string& id)
 {
     throw ApiError(kind.unknownCode, "The " + std::string(kind.name) + " " + inQuotes(id) + " does not exist.");
@@ -171,30 +212,23 @@ std::string readRecord(Database& database, const ResourceKind& kind, const Value
 
 std::string readRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)
 {
-    Condition condition = conditionOf(database, kind, query);
     const Range range = query.range().value_or(Range{0, std::numeric_limits<std::uint64_t>::max()});
     const auto most = std::min(range.last - range.first, kMostRecords + 1);
-    const auto first = std::min<std::uint64_t>(range.first, std::numeric_limits<std::int64_t>::max());
-    condition.parameters.emplace_back(static_cast<std::int64_t>(most));
-    condition.parameters.emplace_back(static_cast<std::int64_t>(first));
-    Statement row = database.query(std::string("SELECT ") + kind.table + ".id FROM " + condition.from + " WHERE " +
-                                       condition.sql + " ORDER BY " + condition.order + " LIMIT ? OFFSET ?",
-                                   condition.parameters);
-    std::string records;
-    std::uint64_t count = 0;
-    for (; row.step(); ++count) {
-        const std::string& text = record(database, kind, kind.numericId ? Value(row.number(0)) : Value(row.text(0)));
-        if (count == 0) {
-            records.reserve((text.size() + 16) * std::min(most, kUsualRange));
-        }
-        records += count == 0 ? '[' : ',';
-        records += text;
-    }
-    if (count > kMostRecords) {
+    const std::vector<Value> page = pageOf(database, kind, conditionOf(database, kind, query), range.first, most);
+    if (page.size() > kMostRecords) {
         throw ApiError(kTooManyRecords,
                        "The list is longer than " + std::to_string(kMostRecords) + " records: ask for a range.");
     }
-    return count == 0 ? records : records + "]";
+    std::string records;
+    for (const Value& id : page) {
+        const std::string& text = record(database, kind, id);
+        if (records.empty()) {
+            records.reserve((text.size() + 16) * page.size());
+        }
+        records += records.empty() ? '[' : ',';
+        records += text;
+    }
+    return records.empty() ? records : records + "]";
 }
 
 std::int64_t countRecords(Database& database, const ResourceKind& kind, const RequestQuery& query)

@@ -123,3 +123,17 @@ TEST(Database, KeepsNoMoreTextsThanItShould)
     EXPECT_EQ(database.kept("0"), nullptr);
     EXPECT_NE(database.kept("20000"), nullptr);
 }
+
+TEST(Database, KeepsNoMoreIdsThanItShould)
+{
+    Database database(":memory:");
+    EXPECT_EQ(database.keptIds("0"), nullptr);
+    for (int list = 0; list <= 5; ++list) {
+        database.keepIds(std::to_string(list), std::vector<Value>(100000, std::int64_t{1}));
+    }
+    EXPECT_EQ(database.keptIds("0"), nullptr);
+    ASSERT_NE(database.keptIds("5"), nullptr);
+    EXPECT_EQ(database.keptIds("5")->size(), 100000u);
+    addPool(database, 1);
+    EXPECT_EQ(database.keptIds("5"), nullptr);
+}

@@ -84,6 +84,33 @@ TEST(Records, FilterBeforeTheyTakeTheRange)
     EXPECT_EQ(array.client.get("/lun/count").text("COUNT"), "10");
 }
 
+TEST(Records, FollowAChangeBetweenTwoPages)
+{
+    TenLuns array;
+    EXPECT_EQ(namesOf(array.client.get("/lun?range=[2-4]")), (Names{"l2", "l3"}));
+    array.client.remove("/lun/" + array.ids[3]);
+    EXPECT_EQ(namesOf(array.client.get("/lun?range=[2-4]")), (Names{"l2", "l4"}));
+    array.client.makeLun("l10");
+    EXPECT_EQ(namesOf(array.client.get("/lun?range=[8-65535]")), (Names{"l9", "l10"}));
+}
+
+TEST(Records, KeepThePagesOfDifferentListsApart)
+{
+    TenLuns array;
+    const std::string group = array.client.make("/lungroup/", {{"NAME", "g"}});
+    const std::string other = array.client.make("/lungroup/", {{"NAME", "h"}});
+    for (const int index : {1, 3, 5}) {
+        array.client.associate("/lungroup/associate", group, 11, array.ids[static_cast<std::size_t>(index)]);
+    }
+    array.client.associate("/lungroup/associate", other, 11, array.ids[6]);
+    array.client.associate("/lungroup/associate", other, 11, array.ids[7]);
+    const std::string query = "/lun/associate?ASSOCIATEOBJTYPE=256&range=[1-9]&ASSOCIATEOBJID=";
+    EXPECT_EQ(namesOf(array.client.get(query + group)), (Names{"l3", "l5"}));
+    EXPECT_EQ(namesOf(array.client.get(query + other)), (Names{"l7"}));
+    EXPECT_EQ(namesOf(array.client.get("/lun?filter=ISADD2LUNGROUP:0&range=[1-9]")), (Names{"l2", "l4", "l8", "l9"}));
+    EXPECT_EQ(namesOf(array.client.get("/lun?filter=ISADD2LUNGROUP:1&range=[1-9]")), (Names{"l3", "l5", "l6", "l7"}));
+}
+
 TEST(Records, RefuseFiltersAndAssociationsThatMeanNothing)
 {
     TenLuns array;
