@@ -4,9 +4,9 @@
 #include "foundation/RunLog.h"
 
 #include <PlimLogAPI.h>
-#include <safe_str_lib.h>
 
-#include <cstdio>
+#include <charconv>
+#include <cstring>
 #include <ctime>
 
 namespace brevan {
@@ -27,14 +27,21 @@ const TimeText& secondText(time_t second)
     return text;
 }
 
+constexpr char digit(long number)
+{
+    return static_cast<char>('0' + number % 10);
+}
+
 }  // namespace
 
 TimeText timeText(const timeval& instant)
 {
     TimeText text = secondText(instant.tv_sec);
-    std::array<char, 32> milliseconds{};
-    std::snprintf(milliseconds.data(), milliseconds.size(), " %03ld", static_cast<long>(instant.tv_usec / 1000));
-    strcat_s(text.data(), text.size(), milliseconds.data());
+    const long milliseconds = instant.tv_usec / 1000;
+    char* end = text.data() + std::strlen(text.data());
+    for (const char c : {' ', digit(milliseconds / 100), digit(milliseconds / 10), digit(milliseconds)}) {
+        *end++ = c;
+    }
     return text;
 }
 
@@ -42,8 +49,8 @@ void writeInterfaceRecord(const char* operation, const timeval& start, int code)
 {
     const TimeText begun = timeText(start);
     const TimeText ended = timeText(theClock().now());
-    std::array<char, 256> result{};
-    std::snprintf(result.data(), result.size(), "%d", code);
+    std::array<char, 16> result{};
+    std::to_chars(result.data(), result.data() + result.size(), code);
     const auto write = code == 0 ? Log_Interface_Info : Log_Interface_Error;
     write(kProductTag, "1", "", operation, "", "", "", begun.data(), ended.data(), result.data(), "");
 }

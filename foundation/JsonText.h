@@ -8,8 +8,11 @@
 
 namespace brevan {
 
-/// The text of a member of a reply's record; numbers and booleans as the array would write them, an absent member or null as
-/// the empty text. Nothing where a list or an object stands, or where `record` is no object.
+/// The text of a value of a reply; numbers and booleans as the array would write them, null as the empty text. Nothing for a
+/// list or an object.
+std::optional<std::string> textOf(const Json::Value& value);
+
+/// The same for a member of a record; an absent one is the empty text. Nothing where `record` is no object.
 std::optional<std::string> textOf(const Json::Value& record, const char* key);
 
 }  // namespace brevan

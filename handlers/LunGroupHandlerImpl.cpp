@@ -122,6 +122,6 @@ unsigned int CLunGroupHandlerImpl::getCountByAssociate(const std::string& lunGro
 {
     return perform(ResourceOperation("getCountByAssociate", m_deviceManager), [&](ResourceOperation& operation) {
         const RestResponse reply = operation.get("/" + objWord + "/count?" + associatedWith(MOTYPE_LUNGROUP, lunGroupID));
-        return replyNumber32(reply[0], "COUNT");
+        return replyNumber32(ReplyRecord(reply[0]), "COUNT");
     });
 }

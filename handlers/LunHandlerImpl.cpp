@@ -20,7 +20,7 @@ constexpr ReadBack kReadBack = {"retry get lun!", {kNotReadableYet, 0}, 200000, 
 
 /// Sectors as bytes, in sectors of the size that the array states. A product beyond 64 bits is no size.
 template <std::uint64_t LunMO::*Member>
-void readBytes(LunMO& lun, const Json::Value& from, const char* key)
+void readBytes(LunMO& lun, const ReplyRecord& from, const char* key)
 {
     const std::uint64_t sectors = replySize(from, key);
     const std::uint64_t sectorSize = replySize(from, "SECTORSIZE");
@@ -29,9 +29,9 @@ void readBytes(LunMO& lun, const Json::Value& from, const char* key)
     }
 }
 
-void readThinUsage(LunMO& lun, const Json::Value& from, const char* key)
+void readThinUsage(LunMO& lun, const ReplyRecord& from, const char* key)
 {
-    if (lun.ALLOCTYPE == kThin && from.isMember(key)) {
+    if (lun.ALLOCTYPE == kThin && from.find(key) != nullptr) {
         lun.THINCAPACITYUSAGE = replyNumber64(from, key);
     }
 }
@@ -40,7 +40,7 @@ constexpr Field<LunMO> kFields[] = {
     text<&LunMO::ID>("ID"),
     text<&LunMO::NAME>("NAME"),
     // The parent is always a pool; the reply's own PARENTTYPE is not looked at.
-    {"PARENTTYPE", [](LunMO& lun, const Json::Value&, const char*) { lun.PARENTTYPE = kStoragePool; }},
+    {"PARENTTYPE", [](LunMO& lun, const ReplyRecord&, const char*) { lun.PARENTTYPE = kStoragePool; }},
     text<&LunMO::PARENTID>("PARENTID"),
     text<&LunMO::PARENTNAME>("PARENTNAME"),
     number32<&LunMO::HEALTHSTATUS>("HEALTHSTATUS"),

@@ -16,7 +16,7 @@ namespace brevan {
 template <class Record>
 struct Field {
     const char* key;
-    void (*read)(Record& record, const Json::Value& from, const char* key);
+    void (*read)(Record& record, const ReplyRecord& from, const char* key);
 };
 
 template <class Member>
@@ -34,7 +34,7 @@ constexpr auto field(const char* key)
 {
     using Record = typename MemberOf<decltype(Member)>::Record;
     using Value = typename MemberOf<decltype(Member)>::Type;
-    return Field<Record>{key, [](Record& record, const Json::Value& from, const char* name) {
+    return Field<Record>{key, [](Record& record, const ReplyRecord& from, const char* name) {
                              record.*Member = static_cast<Value>(Convert(from, name));
                          }};
 }
@@ -87,8 +87,8 @@ template <auto Member>
 constexpr auto textIfPresent(const char* key)
 {
     using Record = typename MemberOf<decltype(Member)>::Record;
-    return Field<Record>{key, [](Record& record, const Json::Value& from, const char* name) {
-                             if (from.isMember(name)) {
+    return Field<Record>{key, [](Record& record, const ReplyRecord& from, const char* name) {
+                             if (from.find(name) != nullptr) {
                                  record.*Member = replyText(from, name);
                              }
                          }};
@@ -106,9 +106,10 @@ inline bool hasId(const Json::Value& record)
 template <class Record, std::size_t Count>
 Record readRecord(const Json::Value& from, const Field<Record> (&fields)[Count])
 {
+    const ReplyRecord reply(from);
     Record record;
     for (const Field<Record>& field : fields) {
-        field.read(record, from, field.key);
+        field.read(record, reply, field.key);
     }
     return record;
 }
@@ -133,7 +134,7 @@ auto readEach(const RestResponse& list, ReadOne readOne)
     for (unsigned int index = 0; index < count; ++index) {
         const Json::Value entry = list[index];
         if (hasId(entry)) {
-            records.push_back(readOne(replyText(entry, "ID")));
+            records.push_back(readOne(idOf(entry)));
         }
     }
     return records;
@@ -144,7 +145,7 @@ template <class ReadOne>
 auto readFirstNamed(const RestResponse& list, ReadOne readOne)
 {
     const Json::Value first = list[0];
-    return hasId(first) ? readOne(replyText(first, "ID")) : decltype(readOne(std::string()))();
+    return hasId(first) ? readOne(idOf(first)) : decltype(readOne(std::string()))();
 }
 
 }  // namespace brevan

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace brevan {
@@ -18,28 +19,33 @@ bool isDecimal(const std::string& text)
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-}  // namespace
-
-std::string replyText(const Json::Value& record, const char* key)
+std::string usable(std::optional<std::string>&& text)
 {
-    auto text = textOf(record, key);
     if (!text) {
         throw UnusableReply();
     }
     return *std::move(text);
 }
 
-std::uint32_t replyNumber32(const Json::Value& record, const char* key)
+}  // namespace
+
+std::string replyText(const ReplyRecord& record, const char* key)
+{
+    const Json::Value* value = record.find(key);
+    return value == nullptr ? std::string() : usable(textOf(*value));
+}
+
+std::uint32_t replyNumber32(const ReplyRecord& record, const char* key)
 {
     return static_cast<std::uint32_t>(RestResponse::str2ul(replyText(record, key)));
 }
 
-std::uint64_t replyNumber64(const Json::Value& record, const char* key)
+std::uint64_t replyNumber64(const ReplyRecord& record, const char* key)
 {
     return RestResponse::str2ull(replyText(record, key));
 }
 
-std::int64_t replySigned(const Json::Value& record, const char* key)
+std::int64_t replySigned(const ReplyRecord& record, const char* key)
 {
     const long long value = std::strtoll(replyText(record, key).c_str(), nullptr, 10);
     constexpr long long kLowest = std::numeric_limits<int>::min();
@@ -47,17 +53,17 @@ std::int64_t replySigned(const Json::Value& record, const char* key)
     return std::clamp(value, kLowest, kHighest);
 }
 
-std::uint32_t replyType(const Json::Value& record, const char* key)
+std::uint32_t replyType(const ReplyRecord& record, const char* key)
 {
     const std::string text = replyText(record, key);
-    const Json::Value& value = record.isObject() ? record[key] : Json::Value::nullSingleton();
-    if (value.isNumeric()) {
-        return value.isUInt() ? value.asUInt() : value.isInt() ? static_cast<std::uint32_t>(value.asInt()) : 0;
+    const Json::Value* value = record.find(key);
+    if (value != nullptr && value->isNumeric()) {
+        return value->isUInt() ? value->asUInt() : value->isInt() ? static_cast<std::uint32_t>(value->asInt()) : 0;
     }
     return static_cast<std::uint32_t>(RestResponse::str2ul(text));
 }
 
-std::uint64_t replySize(const Json::Value& record, const char* key)
+std::uint64_t replySize(const ReplyRecord& record, const char* key)
 {
     const std::string text = replyText(record, key);
     if (text.empty()) {
@@ -72,14 +78,19 @@ std::uint64_t replySize(const Json::Value& record, const char* key)
     return size;
 }
 
-std::int32_t replyFlag(const Json::Value& record, const char* key)
+std::int32_t replyFlag(const ReplyRecord& record, const char* key)
 {
     return replyText(record, key) == "true" ? 1 : 0;
 }
 
+std::string idOf(const Json::Value& record)
+{
+    return usable(textOf(record, "ID"));
+}
+
 std::string firstId(const RestResponse& reply)
 {
-    return reply.count() == 0 ? std::string() : replyText(reply[0], "ID");
+    return reply.count() == 0 ? std::string() : idOf(reply[0]);
 }
 
 }  // namespace brevan

@@ -1,7 +1,7 @@
 #ifndef BREVAN_Q7COMMON_SECRET_H
 #define BREVAN_Q7COMMON_SECRET_H
 
-#include <openssl/crypto.h>
+#include <string.h>
 
 #include <cstddef>
 #include <memory>
@@ -20,7 +20,7 @@ struct CleansingAllocator {
 
     void deallocate(T* place, std::size_t count) noexcept
     {
-        OPENSSL_cleanse(place, count * sizeof(T));
+        explicit_bzero(place, count * sizeof(T));
         Memory().deallocate(place, count);
     }
 
@@ -46,7 +46,7 @@ inline std::string_view viewOf(const SecretBytes& bytes)
 inline void wipe(SecretBytes& bytes) noexcept
 {
     if (!bytes.empty()) {
-        OPENSSL_cleanse(bytes.data(), bytes.size());
+        explicit_bzero(bytes.data(), bytes.size());
     }
     bytes.clear();
 }

@@ -32,7 +32,8 @@ class ReplyValue : public testing::TestWithParam<Reading> {};
 
 TEST_P(ReplyValue, IsReadAsEachKind)
 {
-    const Json::Value from = record(GetParam().value);
+    const Json::Value json = record(GetParam().value);
+    const ReplyRecord from(json);
     EXPECT_EQ(replyText(from, "K"), GetParam().text);
     EXPECT_EQ(replyNumber32(from, "K"), GetParam().number32);
     EXPECT_EQ(replyNumber64(from, "K"), GetParam().number64);
@@ -62,7 +63,8 @@ class UnusableValue : public testing::TestWithParam<const char*> {};
 
 TEST_P(UnusableValue, IsOfNoKind)
 {
-    const Json::Value from = record(GetParam());
+    const Json::Value json = record(GetParam());
+    const ReplyRecord from(json);
     EXPECT_THROW(replyText(from, "K"), UnusableReply);
     EXPECT_THROW(replyNumber32(from, "K"), UnusableReply);
     EXPECT_THROW(replyNumber64(from, "K"), UnusableReply);
@@ -83,7 +85,8 @@ class ReplySize : public testing::TestWithParam<Size> {};
 
 TEST_P(ReplySize, IsNeverGuessed)
 {
-    const Json::Value from = record(GetParam().value);
+    const Json::Value json = record(GetParam().value);
+    const ReplyRecord from(json);
     if (GetParam().size) {
         EXPECT_EQ(replySize(from, "K"), *GetParam().size);
     } else {
@@ -103,7 +106,8 @@ INSTANTIATE_TEST_SUITE_P(Sizes, ReplySize,
 
 TEST(AbsentValue, ReadsAsEmptyTextAndAsZero)
 {
-    for (const Json::Value& from : {Json::Value(), Json::Value(Json::objectValue)}) {
+    for (const Json::Value& json : {Json::Value(), Json::Value(Json::objectValue)}) {
+        const ReplyRecord from(json);
         EXPECT_EQ(replyText(from, "K"), "");
         EXPECT_EQ(replyNumber32(from, "K"), 0U);
         EXPECT_EQ(replyNumber64(from, "K"), 0U);
@@ -111,6 +115,27 @@ TEST(AbsentValue, ReadsAsEmptyTextAndAsZero)
         EXPECT_EQ(replyType(from, "K"), 0U);
         EXPECT_EQ(replySize(from, "K"), 0U);
         EXPECT_EQ(replyFlag(from, "K"), 0);
+    }
+}
+
+TEST(ReplyRecord, FindsEachMemberByItsWholeKey)
+{
+    Json::Value json;
+    std::istringstream(R"({"ID":"1","IDS":"2","":"3","a\u0000b":"4"})") >> json;
+    const ReplyRecord record(json);
+    EXPECT_EQ(*record.find("ID"), "1");
+    EXPECT_EQ(*record.find("IDS"), "2");
+    EXPECT_EQ(*record.find(""), "3");
+    EXPECT_EQ(*record.find(std::string_view("a\0b", 3)), "4");
+    EXPECT_EQ(record.find("a"), nullptr);
+    EXPECT_EQ(record.find("I"), nullptr);
+}
+
+TEST(ReplyRecord, IsNoneWhereNoObjectStands)
+{
+    EXPECT_EQ(ReplyRecord(Json::Value()).find("ID"), nullptr);
+    for (const Json::Value& json : {Json::Value(Json::arrayValue), Json::Value("ID"), Json::Value(7)}) {
+        EXPECT_THROW(ReplyRecord{json}, UnusableReply);
     }
 }
 
