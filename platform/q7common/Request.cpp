@@ -2,11 +2,11 @@
 
 #include "Body.h"
 #include "HeaderList.h"
+#include "LastWords.h"
 #include "Reply.h"
 #include "SessionHeaders.h"
 #include "SessionStore.h"
 #include "Transport.h"
-#include "TransportLog.h"
 
 #include <new>
 #include <utility>
@@ -57,7 +57,7 @@ int guarded(const std::unique_ptr<Impl>& impl, RestResponse& response, std::vect
     RestResponseAccess::clear(response);
     headerLines.clear();
     if (impl == nullptr || !impl->isComplete) {
-        brevan::logError("A request was not sent, because memory is exhausted.");
+        brevan::logLastWords("A request was not sent, because memory is exhausted.");
         return REST_NO_CONNECTION;
     }
     try {
@@ -67,7 +67,7 @@ int guarded(const std::unique_ptr<Impl>& impl, RestResponse& response, std::vect
         }
         return result;
     } catch (const std::exception& failure) {
-        brevan::logError(failure.what());
+        brevan::logLastWords(failure.what());
         return REST_NO_CONNECTION;
     }
 }

@@ -4,6 +4,7 @@
 #include "CommandRunner.h"
 #include "CommandTemplate.h"
 #include "ForkGuard.h"
+#include "LastWords.h"
 #include "Settings.h"
 #include "TransportLog.h"
 
@@ -81,7 +82,7 @@ int RestToMgr::ExceSystemCmd(const RunShellCmdInfo& command, std::vector<std::st
         errorText.clear();
         return run(command, outputLines, errorText);
     } catch (const std::exception& failure) {
-        brevan::logError(failure.what());
+        brevan::logLastWords(failure.what());
         return kDidNotRun;
     }
 }

@@ -1,9 +1,9 @@
 #include "UserManager.h"
 
 #include "ForkGuard.h"
+#include "LastWords.h"
 #include "SessionHeaders.h"
 #include "SessionStore.h"
-#include "TransportLog.h"
 
 #include <exception>
 
@@ -28,7 +28,7 @@ void CUserManager::RegisterSession(const void* key, const std::string& deviceId,
         brevan::SessionStore::instance().put(key, std::move(session));
     } catch (const std::exception&) {
         brevan::SessionStore::instance().remove(key);  // rather none than the one that was to be replaced
-        brevan::logError("A session could not be kept, because memory is exhausted. Log in again.");
+        brevan::logLastWords("A session could not be kept, because memory is exhausted. Log in again.");
     }
 }
 

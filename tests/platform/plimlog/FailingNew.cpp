@@ -6,10 +6,22 @@
 namespace {
 
 thread_local long t_allocationsLeft = -1;  // below 0: no limit
+thread_local bool t_failsOn = false;
+thread_local bool t_hasFailed = false;
+
+bool isRefused()
+{
+    if (t_allocationsLeft < 0 || t_allocationsLeft-- > 0) {
+        return false;
+    }
+    t_allocationsLeft = t_failsOn ? 0 : -1;
+    t_hasFailed = true;
+    return true;
+}
 
 void* allocate(std::size_t bytes)
 {
-    if (t_allocationsLeft >= 0 && t_allocationsLeft-- == 0) {
+    if (isRefused()) {
         throw std::bad_alloc();
     }
     if (void* memory = std::malloc(bytes > 0 ? bytes : 1)) {
@@ -49,14 +61,21 @@ namespace brevan::plimlog {
 
 void failAllocationAfter(long count)
 {
+    t_failsOn = false;
+    t_hasFailed = false;
     t_allocationsLeft = count;
+}
+
+void failAllocationsFrom(long count)
+{
+    failAllocationAfter(count);
+    t_failsOn = true;
 }
 
 bool allocationHasFailed()
 {
-    const bool failed = t_allocationsLeft < 0;
     t_allocationsLeft = -1;
-    return failed;
+    return t_hasFailed;
 }
 
 }  // namespace brevan::plimlog
