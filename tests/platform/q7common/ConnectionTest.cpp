@@ -208,6 +208,25 @@ TEST_F(ConnectionTo, AServerThatAnnouncesTooMuchIsCutOff)
     EXPECT_THAT(RunLogRecorder::text(), HasSubstr("raise reply_megabytes"));
 }
 
+TEST_F(ConnectionTo, AServerThatSendsTooMuchAsAnnouncedIsCutOff)
+{
+    std::atomic<std::size_t> sent{0};
+    std::atomic<bool> isCut{false};
+    const TlsServer server(identity(), [&](Peer& peer, const Received&) {
+        const std::string part(0x4000, ' ');
+        peer.write("HTTP/1.1 200 OK\r\nContent-Length: 10737418240\r\n\r\n");
+        while (sent < 10737418240 && peer.write(part)) {
+            sent += part.size();
+        }
+        isCut = !peer.isOpen();
+    });
+    EXPECT_EQ(get(server.url()).result, REST_REPLY_TOO_LARGE);
+    while (!isCut) {
+        std::this_thread::yield();
+    }
+    EXPECT_LT(sent, 64U << 20) << "it could send more than the sockets' buffers hold";
+}
+
 TEST_F(ConnectionTo, AServerThatSendsTooMuchIsCutOff)
 {
     useSettings("", "[limits]\nreply_megabytes = 1\n");

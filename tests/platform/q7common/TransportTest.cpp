@@ -70,16 +70,21 @@ TEST_F(Transport, FindsWhatIsNoHttpUnusable)
 
 TEST_F(Transport, FindsWhatIsNoReplyUnusable)
 {
-    for (const char* body : {"", "<html>", "{}", "[]", R"({"error":{"code":"x"}})", R"({"data":5,"error":{"code":0}})"}) {
-        EXPECT_EQ(answerTo(body).result, REST_UNUSABLE_REPLY) << body;
+    for (const std::string& body :
+         {std::string(), std::string("<html>"), std::string("{}"), std::string("[]"),
+          std::string(R"({"error":{"code":"x"}})"), std::string(R"({"data":5,"error":{"code":0}})"),
+          std::string(R"({"error":{"code":0,"code":0}})"), R"({"error":{"code":0},"data":)" + std::string(100000, '[')}) {
+        EXPECT_EQ(answerTo(body).result, REST_UNUSABLE_REPLY) << body.substr(0, 50);
     }
 }
 
 TEST_F(Transport, TakesAnErrorOfTheArrayFromAnHttpError)
 {
-    Sent sent = answerTo(R"({"error":{"code":"-401","description":"gone"}})", 401);
-    EXPECT_EQ(sent.result, REST_ANSWERED);
-    EXPECT_EQ(sent.code(), -401);
+    for (const int status : {401, 500, 503}) {
+        Sent sent = answerTo(R"({"error":{"code":"-401","description":"gone"}})", status);
+        EXPECT_EQ(sent.result, REST_ANSWERED);
+        EXPECT_EQ(sent.code(), -401);
+    }
 }
 
 TEST_F(Transport, FindsAnHttpErrorWithoutOneUnusable)
