@@ -1,5 +1,6 @@
 // guest_job NAME: does what a backup application does with the library in a process that is odd in one way. Exit status 0: all of it
 // went well; 1: not, the reason is on standard error, if there is one.
+#include "BrokenLine.h"
 #include "Job.h"
 
 #include <fcntl.h>
@@ -137,6 +138,74 @@ std::string afterAFork()
     return attachAndFind(*manager);
 }
 
+HostMO hostToCreate(const std::string& description)
+{
+    static int number = 0;
+    HostMO host;
+    host.NAME = "guest_" + std::to_string(++number);
+    host.OPERATIONSYSTEM = 0;
+    host.DESCRIPTION = description;
+    return host;
+}
+
+bool isBrokenPipeAsBefore()
+{
+    struct sigaction action {};
+    sigset_t mask;
+    sigset_t pending;
+    sigaction(SIGPIPE, nullptr, &action);
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    sigpending(&pending);
+    return action.sa_handler == SIG_DFL && sigismember(&mask, SIGPIPE) == 0 && sigismember(&pending, SIGPIPE) == 0;
+}
+
+/// Between two requests: whatever the next one is, it goes over a new connection.
+std::string acrossConnectionsThatEnd(CDeviceManager& manager, BrokenLine& line)
+{
+    for (const bool withReset : {false, true}) {
+        line.breakNow(withReset);
+        if (handler<CLunHandler>(manager, HANDLER_LUN).getLun(variable("GUEST_LUN")).ID != variable("GUEST_LUN")) {
+            return "the LUN was not read";
+        }
+        line.breakNow(withReset);
+        HostMO host = hostToCreate("small");
+        if (handler<CHostHandler>(manager, HANDLER_HOST).createHost(host).NAME != host.NAME) {
+            return "the host was not created";
+        }
+    }
+    return "";
+}
+
+/// In the middle of a request that is longer than what the kernel takes at once, though not too long for the array.
+std::string inTheMiddleOfASend(CDeviceManager& manager, BrokenLine& line)
+{
+    HostMO host = hostToCreate(std::string(1000000, 'x'));
+    line.breakAfter(100000);
+    try {
+        handler<CHostHandler>(manager, HANDLER_HOST).createHost(host);
+        return "a request went well that did not arrive";
+    } catch (const PlimAPIException&) {
+        return lastFailure().code == FAILURE_CONNECTION_LOST ? "" : lastFailure().text;
+    }
+}
+
+/// SIGPIPE at its default ends the process where anything is written to a connection that the array has closed.
+std::string withBrokenPipesDeadly()
+{
+    std::signal(SIGPIPE, SIG_DFL);
+    BrokenLine line(arrayPort());
+    const std::unique_ptr<CDeviceManager, Release> manager(CDeviceManager::getInstance());
+    if (login(*manager, line.port()) != 1) {
+        return lastFailure().text;
+    }
+    std::string wrong = acrossConnectionsThatEnd(*manager, line);
+    for (int round = 0; round < 3 && wrong.empty(); ++round) {
+        wrong = inTheMiddleOfASend(*manager, line);
+    }
+    wrong = wrong.empty() ? attachAndFind(*manager) : wrong;
+    return wrong.empty() && !isBrokenPipeAsBefore() ? "SIGPIPE is not as it was" : wrong;
+}
+
 struct Oddity {
     const char* name;
     std::string (*job)();
@@ -149,6 +218,7 @@ constexpr Oddity kOddities[] = {
     {"sigchld", withChildrenIgnored},
     {"collector", withChildrenCollectedByAnotherThread},
     {"signals", underSignals},
+    {"sigpipe", withBrokenPipesDeadly},
     {"stack", onASmallStack},
     {"fork", afterAFork},
 };

@@ -18,9 +18,13 @@ inline std::string variable(const char* name)
     return value != nullptr ? value : "";
 }
 
-inline int login(CDeviceManager& manager)
+inline unsigned int arrayPort()
 {
-    const auto port = static_cast<unsigned int>(std::stoul(variable("GUEST_PORT")));
+    return static_cast<unsigned int>(std::stoul(variable("GUEST_PORT")));
+}
+
+inline int login(CDeviceManager& manager, unsigned int port = arrayPort())
+{
     return manager.loginDevice("127.0.0.1", port, "admin", variable("BREVAN_PASSWORD"), USERTYPE_LOCAL);
 }
 

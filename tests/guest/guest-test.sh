@@ -18,6 +18,7 @@ check "descriptors 0 to 2 closed" "$BUILD/bin/guest_job" descriptors
 check "SIGCHLD ignored" "$BUILD/bin/guest_job" sigchld
 check "children collected by another thread" "$BUILD/bin/guest_job" collector
 check "a signal every millisecond" "$BUILD/bin/guest_job" signals
+check "SIGPIPE at its default, and connections that break" "$BUILD/bin/guest_job" sigpipe
 check "a stack of 64 KiB" "$BUILD/bin/guest_job" stack
 # The child makes the lock that keeps forks out anew; the thread sanitizer cannot see that and takes it for held ever after.
 [[ $(ldd "$BUILD/bin/guest_job") == *libtsan* ]] || check "fork without exec" "$BUILD/bin/guest_job" fork
