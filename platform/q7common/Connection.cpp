@@ -10,6 +10,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace brevan {
@@ -18,6 +19,8 @@ namespace {
 
 constexpr std::size_t kLargestHead = 256 * 1024;
 constexpr std::size_t kUsualReply = 4096;
+constexpr curl_off_t kLargestRoom = 256 * 1024;
+constexpr std::size_t kUsualHeaderLines = 16;
 constexpr int kLongestWaitMs = 1000;  // libcurl's own time limits end a wait sooner
 
 /// From 7.88 on libcurl writes to its sockets with MSG_NOSIGNAL, TLS included: three system calls a request are saved.
@@ -37,6 +40,14 @@ int noteTrustFault(int isGood, X509_STORE_CTX* store) noexcept
         trustFaultOfHandshake = X509_STORE_CTX_get_error(store);
     }
     return isGood;
+}
+
+/// How much room a reply will need. What the array announces is believed up to a bound: it may announce anything.
+std::size_t expectedReply(CURL* handle) noexcept
+{
+    curl_off_t announced = -1;
+    curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    return announced < 0 ? kUsualReply : static_cast<std::size_t>(std::min<curl_off_t>(announced, kLargestRoom));
 }
 
 /// It opens the descriptors by which it could be woken.
@@ -178,7 +189,6 @@ Delivery Connection::perform(const Message& message)
     m_headerLines = message.headerLines;
     m_errorText[0] = '\0';
     m_reply = SecretBytes();
-    m_reply.reserve(kUsualReply);
     const SigPipeGuard quiet(raisesSigPipe());
     setMessage(message);
     trustFaultOfHandshake = 0;
@@ -247,6 +257,7 @@ bool Connection::keepHeader(std::string_view line)
         m_delivery.hasReplyHead = false;
         if (m_headerLines != nullptr) {
             m_headerLines->clear();
+            m_headerLines->reserve(kUsualHeaderLines);
         }
     } else if (isEndOfHead(line)) {
         m_delivery.hasReplyHead = true;
@@ -261,6 +272,9 @@ bool Connection::keepReply(std::string_view part)
     if (part.size() > m_replyLimit - m_reply.size()) {
         m_delivery.isTooLarge = true;
         return false;
+    }
+    if (m_reply.empty()) {
+        m_reply.reserve(expectedReply(m_handle.get()));
     }
     append(m_reply, part);
     return true;
