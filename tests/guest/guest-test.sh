@@ -47,6 +47,7 @@ export BREVAN_TRANSPORT_CONFIG=/tmp/bad.ini
 trouble "settings named by the environment" 1 "cannot log in" --lun "$lun"
 program() { "$BUILD/bin/run_secure" "$BUILD/bin/$PROGRAM" "${connection[@]}" "$@" >/tmp/output 2>$ERRORS; }
 trouble "a program with privileges does not look at it" 5 "Set ca_file" --lun "$lun"
+export BREVAN_TRANSPORT_CONFIG=/tmp/transport.ini
 mkdir /tmp/trap
 printf '#!/bin/sh\necho tmp-block of the trap\n' >/tmp/trap/lsscsi
 chmod +x /tmp/trap/lsscsi
