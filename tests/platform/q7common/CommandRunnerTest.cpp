@@ -3,6 +3,7 @@
 #include "TransportFixture.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -94,6 +95,24 @@ TEST(CommandRunner, BoundsALargeOutput)
     EXPECT_EQ(outcome.output.dropped(), 104857600U - 1000U);
 }
 
+long mostMemoryKib()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST(CommandRunner, NeedsLittleMemoryForALargeOutput)
+{
+    EXPECT_TRUE(succeedsInChild([] {
+        const long before = mostMemoryKib();
+        const CommandOutcome outcome =
+            runCommandLine("head -c 104857600 /dev/zero; head -c 104857600 /dev/zero >&2", kPatient);
+        const std::size_t rest = 104857600U - kPatient.outputBytes;
+        return outcome.output.dropped() == rest && outcome.errors.dropped() == rest && mostMemoryKib() - before < 32 * 1024;
+    }));
+}
+
 TEST(CommandRunner, StopsACommandThatNeverEnds)
 {
     const CommandOutcome outcome = runCommandLine("echo begun; sleep 1000", kHasty);
@@ -127,6 +146,13 @@ TEST(CommandRunner, DoesNotFollowABackgroundChildThatKeepsWriting)
     const CommandOutcome outcome = runCommandLine("yes & echo $! >&2; exit 5", kPatient);
     EXPECT_EQ(outcome.exitStatus, 5);
     kill(std::stoi(outcome.errors.text()), SIGKILL);
+}
+
+TEST(CommandRunner, DoesNotWaitForAChildThatIsOutOfItsReach)
+{
+    const CommandOutcome outcome = runCommandLine("setsid sleep 30 & echo $!; sleep 1000", kHasty);
+    EXPECT_THAT(outcome.fault, HasSubstr("did not end within"));
+    kill(std::stoi(outcome.output.text()), SIGKILL);
 }
 
 TEST(CommandRunner, WorksWhereSigchldIsIgnored)

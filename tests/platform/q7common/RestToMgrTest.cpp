@@ -68,6 +68,51 @@ TEST_F(HostCommand, PutsTheParameterIntoItsPlace)
     EXPECT_THAT(m_errorText, HasSubstr("-al /dev/disk/by-id\n"));
 }
 
+/// What a shell would take for more than text, each with a command that leaves `file` behind.
+std::vector<std::string> hostileParameters(const std::string& file)
+{
+    const std::string command = "touch " + file;
+    return {"; " + command,
+            "$(" + command + ")",
+            "`" + command + "`",
+            "| " + command,
+            "&& " + command,
+            "> " + file,
+            "'; " + command + "; '",
+            "\"; " + command + "; \"",
+            "\\'; " + command,
+            "sda' '-e",
+            "${IFS}" + command,
+            "a b",
+            "*",
+            "\xff\xfe",
+            "?"};
+}
+
+TEST_F(HostCommand, HandsAHostileParameterOnAsOneArgumentInQuotes)
+{
+    addTool("sudo", "printf '%s|' \"$#\" \"$@\"");
+    const char* line = "sudo /opt/root_tool/common/security_sudo_v3.sh dev_rescan '?'";
+    for (const std::string& hostile : hostileParameters(m_tools.file("ran"))) {
+        m_lines.clear();
+        EXPECT_EQ(run(line, {hostile}, 100004, 1), 0);
+        EXPECT_THAT(m_lines, ElementsAre("3|/opt/root_tool/common/security_sudo_v3.sh|dev_rescan|" + hostile + "|"));
+    }
+    EXPECT_NE(access(m_tools.file("ran").c_str(), F_OK), 0);
+}
+
+TEST_F(HostCommand, HandsAHostileParameterOnAsOneArgumentOutsideQuotes)
+{
+    addTool("ls", "true");
+    addTool("grep", "case $1 in -v | scsi-) exec cat ;; *) printf '%s|' \"$#\" \"$@\" ;; esac");
+    for (const std::string& hostile : hostileParameters(m_tools.file("ran"))) {
+        m_lines.clear();
+        EXPECT_EQ(run(kSearch, {hostile}, 100008, 0), 0);
+        EXPECT_THAT(m_lines, ElementsAre("1|" + hostile + "|"));
+    }
+    EXPECT_NE(access(m_tools.file("ran").c_str(), F_OK), 0);
+}
+
 TEST_F(HostCommand, IsRefusedWithABadParameter)
 {
     addTool("ls", "touch " + m_tools.file("ran"));
