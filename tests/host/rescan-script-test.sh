@@ -76,6 +76,23 @@ goesOnWhenOneHostFails() {
     has error "$err" "SCSI host host0 could not be scanned"
     is host1 "$(<"$work/sys/class/scsi_host/host1/scan")" "- - -"
 }
+worksOnAHostWithoutAnyScsi() {               # not even the folders, as without the kernel's modules
+    rm -rf "$work"/sys/class/*
+    rescan do_uprescan
+    is status "$status" 0
+    is output "$out" "SCSI hosts scanned: none"
+    is errors "$err" ""
+}
+endsAnIscsiadmThatHangs() {
+    session session1; iscsiHost host3
+    sed -i 's/ISCSI_SECONDS=120/ISCSI_SECONDS=0.2/' "$work/opt/root_tool/common/security_sudo_v3.sh"
+    printf '#!/bin/sh\nexec sleep 1000\n' >"$work/sbin/iscsiadm"
+    rescan do_uprescan
+    is status "$status" 6
+    has error "$err" "iscsiadm could not rescan"
+    is host3 "$(<"$work/sys/class/scsi_host/host3/scan")" "- - -"
+    is calls "$(calls)" "udevadm settle --timeout=60"
+}
 failsWhenUdevDoesNotSettle() {
     tool udevadm 1
     rescan do_uprescan
@@ -99,11 +116,18 @@ refusesADiskThatIsNotThere() {
     is status "$status" 5
     has error "$err" "loop0 is no SCSI disk"
 }
+failsWhereADiskCannotBeRescanned() {
+    mkdir -p "$work/sys/block/sdc/device/rescan"                     # a folder cannot be written to
+    rescan dev_rescan sdc
+    is status "$status" 6
+    has error "$err" "sdc could not be rescanned"
+}
 refusesWrongArguments() {
     disk sdc
     local words
     for words in "" reboot "do_uprescan sdc" "do_uprescan --help" dev_rescan "dev_rescan sdc sdc" "dev_rescan ../block/sdc" \
-        "dev_rescan -sdc" "dev_rescan 1sdc" "dev_rescan SDC" "dev_rescan sdc*" "dev_rescan sdc;id" "main do_uprescan"; do
+        "dev_rescan -sdc" "dev_rescan 1sdc" "dev_rescan SDC" "dev_rescan sdc*" "dev_rescan sdc;id" "main do_uprescan" \
+        "dev_rescan $(printf 's%.0s' {1..32})" "dev_rescan sd/c" "dev_rescan \$(id)" "dev_rescan --" "--help" "-x do_uprescan"; do
         # shellcheck disable=SC2086
         (set -f; rescan $words; echo "$status" >"$work/status")
         is "status of '$words'" "$(<"$work/status")" 2
@@ -139,14 +163,32 @@ END
     is calls "$(calls | tr '\n' ' ')" "begin end begin end begin end "
 }
 givesUpOnALockThatStays() {
+    disk sdc
     sed -i 's/^LOCK_SECONDS=300/LOCK_SECONDS=0/' "$work/opt/root_tool/common/security_sudo_v3.sh"
-    sandbox /bin/bash -c "exec 8>/run/brevan-rescan.lock; flock 8; $SCRIPT do_uprescan"
-    is status "$status" 4
-    has error "$err" "another rescan holds /run/brevan-rescan.lock"
+    local command
+    for command in do_uprescan "dev_rescan sdc"; do
+        sandbox /bin/bash -c "exec 8>/run/brevan-rescan.lock; flock 8; $SCRIPT $command"
+        is "status of $command" "$status" 4
+        has error "$err" "another rescan holds /run/brevan-rescan.lock"
+    done
     is calls "$(calls)" ""
+    is sdc "$(<"$work/sys/block/sdc/device/rescan")" ""
+}
+leavesNoLockBehind() {                       # killed at its last step, while a daemon goes on that it has started
+    session session1
+    sed -i 's/^LOCK_SECONDS=300/LOCK_SECONDS=0/' "$work/opt/root_tool/common/security_sudo_v3.sh"
+    printf '#!/bin/sh\nsleep 1000 &\n' >"$work/sbin/iscsiadm"
+    cat >"$work/sbin/udevadm" <<'END'
+#!/bin/bash
+kill -9 $PPID
+END
+    sandbox /bin/bash -c "$SCRIPT do_uprescan; echo \$?; $SCRIPT dev_rescan sdq"
+    has "status of the killed one" "$out" 137
+    is "status of the next" "$status" 5
+    has error "$err" "no block device sdq"
 }
 
-for test in $(declare -F | awk '{print $3}' | grep -E '^(rescans|leaves|scans|goes|fails|refuses|takes|never|gives)[A-Z]'); do
+for test in $(declare -F | awk '{print $3}' | grep -E '^(rescans|leaves|scans|goes|works|ends|fails|refuses|takes|never|gives)[A-Z]'); do
     fresh
     before=$failures
     "$test"
