@@ -47,9 +47,12 @@ connections() {                              # of a login and the read after it,
     printf 'connections, each with a TLS handshake, of a login and a getLun\t%s\t1\tconnections\t<= 1\n' "$(sort -u "$work/access.log" | wc -l)"
 }
 
-serverLimit() {
-    wrk -t2 -c8 -d3s "https://127.0.0.1:$web_port$READ" >"$work/wrk.log" || die "wrk: $(<"$work/wrk.log")"
-    echo "wrk with 8 connections: $(sed -n 's/^Requests\/sec: *//p' "$work/wrk.log") requests/s" >&2
+serverLimit() {                              # what the server can do, as wrk sees it over so many connections
+    local connections
+    for connections in 1 2 4 8 16; do
+        wrk -t$((connections < 2 ? 1 : 2)) -c$connections -d2s "https://127.0.0.1:$web_port$READ" >"$work/wrk.log" || die "wrk: $(<"$work/wrk.log")"
+        printf '#limit\t%s\t%s\n' $connections "$(sed -n 's/^Requests\/sec: *//p' "$work/wrk.log")"
+    done
 }
 
 makeArray

@@ -2,20 +2,21 @@
 # Runs the benchmarks and prints a table: what was measured, the limit that it is compared with (measured in the same run), the
 # ratio of the two and its goal. Exit status 0 when every goal is met, 1 when one is missed, 2 for a bad command line, 3 when a
 # benchmark fails.
-#   scripts/bench.sh                  all of them, on preset release
+#   scripts/bench.sh                  all of them, on preset release; writes the figures into docs/performance.md, with a picture
 #   scripts/bench.sh --only REGEX     only programs whose names match
 #   scripts/bench.sh --json FILE      also writes a list of {"name", "measured", "limit", "unit", "ratio", "goal", "met"}
 #   scripts/bench.sh --build FOLDER   the programs of that build instead of building preset release
 #   scripts/bench.sh --list           only prints the names
 #
 # A benchmark is a program in FOLDER/bench or a script bench/*-bench.sh, which gets FOLDER as its argument. On standard output it
-# prints a line for each figure: name, measured, limit, unit and goal ("<= 3" or ">= 0.3"), with tabs between them.
+# prints a line for each figure: name, measured, limit, unit and goal ("<= 3" or ">= 0.3"), with tabs between them. Beside those:
+# "# TEXT", a sentence that belongs to them, and what bench/throughput-plot.sh draws.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 exec </dev/null
 
-BENCH_PACKAGES=(nginx-light wrk openssl)     # what benchmarks need beside the build's packages
+BENCH_PACKAGES=(nginx-light wrk openssl gnuplot-nox)     # what benchmarks need beside the build's packages
 
 parseArguments() {
     only="" json="" build="" list=""
@@ -49,6 +50,16 @@ runBenchmarks() {                            # leaves the figures in $figures
     done
 }
 
+# Puts what was measured between the marks of docs/performance.md.
+writeDocument() {                            # FIGURES JUDGED
+    local page=$TOP/docs/performance.md
+    "$TOP/bench/performance-page.sh" "$1" "$2" >"$2.page"
+    sed -i -e "/^<!-- measured -->/,/^<!-- end -->/{/^<!-- measured -->/{p;r $2.page
+}; /^<!-- end -->/p; d}" "$page"
+    "$TOP/bench/throughput-plot.sh" "$1" >"$2.svg"
+    mv "$2.svg" "$TOP/docs/pictures/throughput.svg"
+}
+
 # Adds ratio and "met" to each figure; a line that is no figure is a mistake of the benchmark, not something to leave out.
 judge() {
     awk -F '\t' -v OFS='\t' '
@@ -61,8 +72,8 @@ judge() {
 }
 
 table() {
-    awk -F '\t' 'BEGIN { printf "%-60s %12s %12s %-10s %8s %8s %s\n", "name", "measured", "limit", "unit", "ratio", "goal", "met" }
-        { printf "%-60s %12s %12s %-10s %8s %8s %s\n", $1, $2, $3, $4, $5, $6, $7 }'
+    awk -F '\t' 'BEGIN { printf "%-96s %12s %12s %-10s %8s %8s %s\n", "name", "measured", "limit", "unit", "ratio", "goal", "met" }
+        { printf "%-96s %12s %12s %-10s %8s %8s %s\n", $1, $2, $3, $4, $5, $6, $7 }'
 }
 
 jsonList() {
@@ -87,9 +98,11 @@ if [[ -n $list ]]; then
     exit 0
 fi
 figures=$(mktemp)
-trap 'rm -f "$figures" "$figures.judged"' EXIT
+trap 'rm -f "$figures" "$figures.judged" "$figures.judged.page" "$figures.judged.svg"' EXIT
 runBenchmarks "${programs[@]}"
-judge <"$figures" >"$figures.judged" || die "a benchmark printed what is no figure" 3
+grep -v '^#' "$figures" | judge >"$figures.judged" || die "a benchmark printed what is no figure" 3
 table <"$figures.judged"
+sed -n 's/^# //p' "$figures"
+[[ -n $only ]] || writeDocument "$figures" "$figures.judged"
 [[ -z $json ]] || jsonList <"$figures.judged" >"$json"
 ! grep -q $'\tno$' "$figures.judged"
