@@ -1,6 +1,7 @@
 #include "Files.h"
 #include "Identity.h"
 #include "Inventory.h"
+#include "InventoryIdentities.h"
 #include "InventoryReader.h"
 #include "InventoryValues.h"
 #include "Mapping.h"
@@ -18,7 +19,6 @@ namespace {
 
 using Type = InventoryType;
 
-constexpr std::int64_t kLargestId = 999999999999999;
 constexpr std::int64_t kLargestPoolId = 999999999;
 
 /// Loads one document and knows the place where it is.
@@ -34,7 +34,7 @@ public:
             for (const InventorySection& section : inventorySections()) {
                 loadSection(section);
             }
-            setCounters();
+            m_identities.setCounters(m_database);
             m_section = nullptr;
             m_key = "mapping_views";
             updateLunNumbers(m_database);
@@ -64,7 +64,7 @@ private:
             wrong("the inventory is that of the array " + inQuotes(id) + ", not of " + inQuotes(deviceId));
         }
         setIdentity(m_database, id);
-        m_wwnPrefix = wwnPrefix(id);
+        m_identities.setPrefix(wwnPrefix(id));
     }
 
     /// IDs and WWNs that the document chooses come before those that the array gives.
@@ -78,34 +78,17 @@ private:
                 }
             }
         }
-        m_nextId = next("next_id", m_nextId);
-        m_nextVolume = next("next_volume", m_nextVolume);
+        const std::int64_t nextId = next("next_id", m_identities.nextId());
+        m_identities.setNext(nextId, next("next_volume", m_identities.nextVolume()));
     }
 
     void countExplicit(const InventoryColumn& column, const nlohmann::json& value)
     {
         if (column.type == Type::kId) {
-            const std::int64_t id = numberFrom(value, kLargestId);
-            m_nextId = std::max(m_nextId, id + 1);
-            if (!m_ids.insert(id).second) {
-                wrong("another object has the ID " + std::to_string(id) + ", too");
-            }
+            m_identities.takeId(numberFrom(value, kLargestId));
         } else if (column.type == Type::kWwn) {
-            m_nextVolume = std::max(m_nextVolume, serialOf(textFrom(value)) + 1);
-            if (!m_wwns.insert(value.get<std::string>()).second) {
-                wrong("another volume has the same WWN");
-            }
+            m_identities.takeWwn(textFrom(value));
         }
-    }
-
-    std::int64_t serialOf(const std::string& wwn) const
-    {
-        const std::string serial = startsWith(wwn, m_wwnPrefix) ? wwn.substr(m_wwnPrefix.size()) : "";
-        if (serial.size() != 16 || serial.find_first_not_of("0123456789abcdef") != std::string::npos || serial[0] > '7') {
-            wrong(inQuotes(wwn) + " is not a WWN of this array: 32 digits, " + m_wwnPrefix +
-                  " and a serial number of 16 lower-case hexadecimal digits");
-        }
-        return static_cast<std::int64_t>(std::stoull(serial, nullptr, 16));
     }
 
     std::int64_t next(const char* key, std::int64_t least)
@@ -116,12 +99,6 @@ private:
             wrong("it must be higher than all that are taken: at least " + std::to_string(least));
         }
         return number;
-    }
-
-    void setCounters()
-    {
-        m_database.execute("UPDATE counter SET next = ? WHERE name = 'object'", {m_nextId});
-        m_database.execute("UPDATE counter SET next = ? WHERE name = 'volume'", {m_nextVolume});
     }
 
     void loadSection(const InventorySection& section)
@@ -188,9 +165,9 @@ private:
         }
         switch (column.type) {
             case Type::kId:
-                return m_nextId++;
+                return m_identities.giveId();
             case Type::kWwn:
-                return wwnOf(m_wwnPrefix, m_nextVolume++);
+                return m_identities.giveWwn();
             case Type::kText:
             case Type::kSecret:
                 return std::string();
@@ -307,11 +284,7 @@ private:
     const InventorySection* m_section = nullptr;
     std::size_t m_index = 0;
     const char* m_key = "";
-    std::string m_wwnPrefix;
-    std::int64_t m_nextId = 1;
-    std::int64_t m_nextVolume = 1;
-    std::set<std::int64_t> m_ids;
-    std::set<std::string> m_wwns;
+    InventoryIdentities m_identities;
     std::set<std::string> m_names;
 };
 
