@@ -1,6 +1,7 @@
 #include "Connection.h"
 
 #include "ForkGate.h"
+#include "PlimTool.h"
 #include "SigPipeGuard.h"
 #include "StandardDescriptors.h"
 
@@ -33,6 +34,14 @@ int noteTrustFault(int isGood, X509_STORE_CTX* store) noexcept
         trustFaultOfHandshake = X509_STORE_CTX_get_error(store);
     }
     return isGood;
+}
+
+/// Null where libcurl comes to the right method by itself.
+const char* methodToName(const Message& message) noexcept
+{
+    constexpr const char* kMethods[] = {"GET", "POST", "PUT", "DELETE"};
+    const REST_REQUEST_MODE_E usual = message.body == nullptr ? REST_GET : REST_POST;
+    return message.mode == usual ? nullptr : kMethods[message.mode];
 }
 
 /// It opens the descriptors by which it could be woken.
@@ -100,6 +109,9 @@ Connection::Connection(const Server& server, const Settings& settings, std::shar
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(settings.requestTime.count()));
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(settings.replyBytes));
     set(CURLOPT_TCP_KEEPALIVE, 1L);
+    if (PlimTool::CheckIPValid(server.host) == 1) {
+        set(CURLOPT_DNS_CACHE_TIMEOUT, -1L);  // an address never changes: no search for outdated ones after each request
+    }
     set(CURLOPT_SHARE, m_tlsSessions->handle());
     setTls(server, settings.tlsFor(server.host));
     setCallbacks();
@@ -143,7 +155,6 @@ void Connection::setCallbacks()
 
 void Connection::setMessage(const Message& message)
 {
-    constexpr const char* kMethods[] = {"GET", "POST", "PUT", "DELETE"};
     set(CURLOPT_URL, message.url);
     set(CURLOPT_HTTPHEADER, message.headers);
     if (message.body == nullptr) {
@@ -153,7 +164,7 @@ void Connection::setMessage(const Message& message)
         set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(message.body->size()));
         set(CURLOPT_POSTFIELDS, message.body->data());  // not copied
     }
-    set(CURLOPT_CUSTOMREQUEST, kMethods[message.mode]);
+    set(CURLOPT_CUSTOMREQUEST, methodToName(message));
     // libcurl looks before it uses a connection again, and a GET gets a second chance. What must not be sent twice, we look
     // once more for, as late as we can.
     set(CURLOPT_FRESH_CONNECT, message.mode != REST_GET && isStale() ? 1L : 0L);

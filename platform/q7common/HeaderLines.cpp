@@ -43,9 +43,11 @@ void addHeaderLine(std::string_view line, std::vector<std::string>& lines)
     }
     std::string canonical(line);
     bool beginsWord = true;
+    char* const name = canonical.data();
     for (std::size_t i = 0; i < colon; ++i) {
-        canonical[i] = beginsWord ? toUpper(canonical[i]) : toLower(canonical[i]);
-        beginsWord = canonical[i] == '-';
+        const char c = name[i];
+        name[i] = beginsWord ? toUpper(c) : toLower(c);
+        beginsWord = c == '-';
     }
     lines.push_back(std::move(canonical));
 }

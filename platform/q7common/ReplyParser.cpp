@@ -1,3 +1,4 @@
+#include "JsonKeys.h"
 #include "Reply.h"
 
 #include <json/reader.h>
@@ -19,7 +20,7 @@ std::unique_ptr<Json::CharReader> makeReader()
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
     builder["stackLimit"] = kDeepestNesting;
-    builder["rejectDupKeys"] = true;
+    builder["rejectDupKeys"] = false;  // hasKeyTwice() sees them
     return std::unique_ptr<Json::CharReader>(builder.newCharReader());
 }
 
@@ -37,7 +38,7 @@ bool parseJson(std::string_view text, Json::Value& root)
         return false;
     }
     try {
-        return readerOfThisThread().parse(text.data(), text.data() + text.size(), &root, nullptr);
+        return readerOfThisThread().parse(text.data(), text.data() + text.size(), &root, nullptr) && !hasKeyTwice(text, root);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
