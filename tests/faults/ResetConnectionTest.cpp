@@ -46,12 +46,6 @@ protected:
     }
     ~ResetConnection() override { std::filesystem::remove_all(folder); }
 
-    template <class Handler>
-    Handler& handler(HANDLERTYPE type)
-    {
-        return *static_cast<Handler*>(manager->getHandler(type));
-    }
-
     /// The operation fails as one must whose request may have been carried out.
     template <class Operation>
     void expectLost(Operation operation)
@@ -204,7 +198,7 @@ TEST_F(ResetConnection, LetsADeletionFailThatWasCarriedOut)
 {
     const std::string id = makeGroup();
     const sim::test::ScriptedFaults faults(array, R"({"operation": "DELETE /lungroup/{id}", "do": ["reset after"]})");
-    expectLost([&] { handler<CLunGroupHandler>(HANDLER_LUNGROUP).deleteLunGroup(id); });
+    expectLost([&] { handlerOf<CLunGroupHandler>(*manager, HANDLER_LUNGROUP).deleteLunGroup(id); });
     EXPECT_EQ(onArray("lungroup"), "0");
     EXPECT_THAT(journalOf("DELETE /lungroup/{id}"), SizeIs(1));
 }
@@ -225,7 +219,7 @@ TEST_F(ResetConnection, LetsAChangeOfMembersBeDoneAgainByTheOperation)
     const std::string group =
         client.make("/lungroup/", {{"TYPE", 256}, {"NAME", "group"}, {"APPTYPE", 0}, {"GROUPTYPE", 0}});
     const sim::test::ScriptedFaults faults(array, R"({"operation": "POST /lungroup/associate", "do": ["reset after"]})");
-    auto& groups = handler<CLunGroupHandler>(HANDLER_LUNGROUP);
+    auto& groups = handlerOf<CLunGroupHandler>(*manager, HANDLER_LUNGROUP);
     groups.addLunToLunGroup(lun, group);
     EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
     EXPECT_EQ(groups.getObjNOFromLunGroup(group), 1U);
@@ -246,7 +240,7 @@ TEST_F(ResetConnection, LetsAReadBeRepeatedOverANewConnection)
 {
     const std::string id = client.makeLun("volume");
     const sim::test::ScriptedFaults faults(array, R"({"operation": "GET /lun/{id}", "do": ["reset before"]})");
-    EXPECT_EQ(handler<CLunHandler>(HANDLER_LUN).getLun(id).NAME, "volume");
+    EXPECT_EQ(handlerOf<CLunHandler>(*manager, HANDLER_LUN).getLun(id).NAME, "volume");
     const auto requests = journalOf("GET /lun/{id}");
     ASSERT_THAT(faultsOf(requests), ElementsAre("reset before", ""));
     EXPECT_NE(requests[0].connection, requests[1].connection);
@@ -257,7 +251,7 @@ TEST_F(ResetConnection, LetsAReadFailThatNewConnectionsDoNotHelp)
     const std::string id = client.makeLun("volume");
     const sim::test::ScriptedFaults faults(
         array, R"({"operation": "GET /lun/{id}", "do": ["reset before", "reset after", "reset before", "pass"]})");
-    auto& luns = handler<CLunHandler>(HANDLER_LUN);
+    auto& luns = handlerOf<CLunHandler>(*manager, HANDLER_LUN);
     expectLost([&] { luns.getLun(id); });
     EXPECT_THAT(faultsOf(journalOf("GET /lun/{id}")), ElementsAre("reset before", "reset after"));
     expectLost([&] { luns.getLun(id); });  // over a new connection from the start: once only
