@@ -33,3 +33,9 @@ extendedTidy() {                             # without the compilations of the p
     echo "add_test(ClangTidy run-clang-tidy -quiet -j $(nproc) -p \"$TOP/build/tidy\")"
     echo "set_tests_properties(ClangTidy PROPERTIES LABELS tidy TIMEOUT 5400 RUN_SERIAL ON)"
 }
+
+extendedKernelHost() {                       # NAME PROGRAM ARGUMENT...: a scenario of the kernel host in its long form
+    echo "add_test(KernelHost.$1 \"$TOP/tests/kernel_host/run-in-guest.sh\" --limit 1700 --show \"$TOP/build/release\" --"
+    echo "  \"$TOP/build/release/bin/$2\" --gtest_brief=0 ${*:3})"
+    echo "set_tests_properties(KernelHost.$1 PROPERTIES LABELS kernel_host_long TIMEOUT 1800)"
+}
