@@ -5,8 +5,12 @@
 namespace brevan {
 namespace {
 
+constexpr const char* kShortageText = "memory is exhausted";
+constexpr const char* kShortageAdvice = "Read what is there before repeating a change.";
+
 struct State {
     Failure first;
+    const char* shortOfMemory = nullptr;  ///< the operation whose failure found no memory to be told; null: none
     int passingCode = FAILURE_NONE;
     int depth = 0;
 };
@@ -17,13 +21,24 @@ State& state()
     return current;
 }
 
+bool hasFailed() noexcept
+{
+    return state().shortOfMemory != nullptr || !state().first.empty();
+}
+
+void forget() noexcept
+{
+    state().first = Failure();
+    state().shortOfMemory = nullptr;
+}
+
 }  // namespace
 
 void FailureState::enterOperation()
 {
     State& current = state();
     if (current.depth == 0) {
-        current.first = Failure();
+        forget();
         current.passingCode = FAILURE_NONE;
     }
     ++current.depth;
@@ -38,11 +53,19 @@ void FailureState::note(const char* operation, int code, const std::string& text
 {
     State& current = state();
     current.passingCode = code;
-    if (current.first.empty()) {
+    if (!hasFailed()) {
         current.first.code = code;
         current.first.text = text;
         current.first.advice = advice != nullptr ? advice : failureAdvice(code);
         current.first.operation = operation;
+    }
+}
+
+void FailureState::noteShortage(const char* operation) noexcept
+{
+    state().passingCode = FAILURE_REFUSED;
+    if (!hasFailed()) {
+        state().shortOfMemory = operation;
     }
 }
 
@@ -51,23 +74,27 @@ int FailureState::passingCode() noexcept
     return state().passingCode;
 }
 
-FailureMark::FailureMark() noexcept : m_hadFailed(!state().first.empty()) {}
+FailureMark::FailureMark() noexcept : m_hadFailed(hasFailed()) {}
 
 void FailureMark::forgive() const noexcept
 {
     if (!m_hadFailed) {
-        state().first = Failure();
+        forget();
     }
 }
 
 bool FailureMark::failedSince() const noexcept
 {
-    return !m_hadFailed && !state().first.empty();
+    return !m_hadFailed && hasFailed();
 }
 
 Failure lastFailure()
 {
-    return state().first;
+    const State& current = state();
+    if (current.shortOfMemory != nullptr) {
+        return {current.shortOfMemory, FAILURE_REFUSED, kShortageText, kShortageAdvice};
+    }
+    return current.first;
 }
 
 }  // namespace brevan

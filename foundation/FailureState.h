@@ -16,6 +16,9 @@ public:
     /// `advice`: what to do; null: what fits the code.
     static void note(const char* operation, int code, const std::string& text, const char* advice = nullptr);
 
+    /// As note, where memory is exhausted: takes none. `operation` is kept as it is, and must stay.
+    static void noteShortage(const char* operation) noexcept;
+
     /// The code of the failure that was noted last.
     static int passingCode() noexcept;
 };

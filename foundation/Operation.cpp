@@ -10,6 +10,8 @@
 
 #include <RestRequest.h>
 
+#include <new>
+
 namespace brevan {
 
 Operation::Operation(const char* name) : Operation(OperationStyle{name}) {}
@@ -153,6 +155,25 @@ void Operation::report(const std::string& message)
 }
 
 void Operation::passOn()
+{
+    try {
+        translate();
+    } catch (const std::bad_alloc&) {
+        failWithoutMemory();
+    }
+}
+
+void Operation::failWithoutMemory()
+{
+    COMMLOG(OS_LOG_ERROR, "memory is exhausted %s", m_style.name);
+    FailureState::noteShortage(m_style.name);
+    if (!m_ended) {
+        record(FAILURE_REFUSED);
+    }
+    throw PlimAPIException(std::string());  // so short that it needs no memory; lastFailure() has the words
+}
+
+void Operation::translate()
 {
     try {
         throw;

@@ -73,6 +73,8 @@ public:
     [[noreturn]] void passOn();
 
 private:
+    [[noreturn]] void translate();
+    [[noreturn]] void failWithoutMemory();
     [[noreturn]] void failUnexpectedly(const std::string& what);
     void noteLine(int code, const std::string& message) const;
     void leave() const;
@@ -83,20 +85,28 @@ private:
     bool m_ended = false;
 };
 
+/// Runs `body(operation)` up to the operation's good end. A function of its own, so that a record is made where the caller wants it:
+/// inside of a try block it would be copied.
+template <class OperationType, class Body>
+std::invoke_result_t<Body, OperationType&> runToGoodEnd(OperationType& operation, Body&& body)
+{
+    if constexpr (std::is_void_v<std::invoke_result_t<Body, OperationType&>>) {
+        body(operation);
+        operation.succeed();
+    } else {
+        auto result = body(operation);
+        operation.succeed();
+        return result;
+    }
+}
+
 /// Runs `body(operation)` as that operation. Exceptions of other types than the public ones are turned into them.
 template <class OperationType, class Body>
 std::invoke_result_t<Body, OperationType&> perform(OperationType&& operation, Body&& body)
 {
     operation.enter();
     try {
-        if constexpr (std::is_void_v<std::invoke_result_t<Body, OperationType&>>) {
-            body(operation);
-            operation.succeed();
-        } else {
-            auto result = body(operation);
-            operation.succeed();
-            return result;
-        }
+        return runToGoodEnd(operation, body);
     } catch (...) {
         operation.passOn();
     }

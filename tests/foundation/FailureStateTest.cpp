@@ -78,6 +78,35 @@ TEST(LastFailure, IsEachThreadsOwn)
     EXPECT_EQ(lastFailure().operation, "here");
 }
 
+TEST(LastFailure, TellsOfAShortageThatLeftNoRoomForWords)
+{
+    const Entered operation;
+    FailureState::noteShortage("getLun");
+    FailureState::note("later", 5, "text");
+    EXPECT_EQ(lastFailure().operation, "getLun");
+    EXPECT_EQ(lastFailure().code, FAILURE_REFUSED);
+    EXPECT_EQ(lastFailure().text, "memory is exhausted");
+    EXPECT_NE(lastFailure().advice, "");
+}
+
+TEST(LastFailure, KeepsWhatCameBeforeAShortage)
+{
+    const Entered operation;
+    FailureState::note("first", 5, "text");
+    FailureState::noteShortage("getLun");
+    EXPECT_EQ(lastFailure().operation, "first");
+}
+
+TEST(FailureMark, ForgivesAShortageToo)
+{
+    const Entered operation;
+    const FailureMark mark;
+    FailureState::noteShortage("try");
+    EXPECT_TRUE(mark.failedSince());
+    mark.forgive();
+    EXPECT_TRUE(lastFailure().empty());
+}
+
 TEST(FailureMark, ForgivesWhatWentWrongSince)
 {
     const Entered operation;
