@@ -26,7 +26,9 @@ class BREVAN_API LunMO {
 public:
     LunMO();
     LunMO(const LunMO& other);
+    LunMO(LunMO&& other) noexcept;
     LunMO& operator=(const LunMO& other);
+    LunMO& operator=(LunMO&& other) noexcept;
     virtual ~LunMO();
 
     std::string ID;
@@ -54,7 +56,9 @@ class BREVAN_API SnapshotMO {
 public:
     SnapshotMO();
     SnapshotMO(const SnapshotMO& other);
+    SnapshotMO(SnapshotMO&& other) noexcept;
     SnapshotMO& operator=(const SnapshotMO& other);
+    SnapshotMO& operator=(SnapshotMO&& other) noexcept;
     virtual ~SnapshotMO();
 
     std::string ID;
@@ -85,7 +89,9 @@ class BREVAN_API MappingViewMO {
 public:
     MappingViewMO();
     MappingViewMO(const MappingViewMO& other);
+    MappingViewMO(MappingViewMO&& other) noexcept;
     MappingViewMO& operator=(const MappingViewMO& other);
+    MappingViewMO& operator=(MappingViewMO&& other) noexcept;
     virtual ~MappingViewMO();
 
     std::string ID;
@@ -124,7 +130,9 @@ public:
     LunQuery();
     LunQuery(const LunMO& lun, std::uint64_t start, std::uint64_t count);
     LunQuery(const LunQuery& other);
+    LunQuery(LunQuery&& other) noexcept;
     LunQuery& operator=(const LunQuery& other);
+    LunQuery& operator=(LunQuery&& other) noexcept;
     virtual ~LunQuery();
 
     LunMO condition;
@@ -137,7 +145,9 @@ public:
     SnapshotQuery();
     SnapshotQuery(const SnapshotMO& snapshot, std::uint64_t start, std::uint64_t count);
     SnapshotQuery(const SnapshotQuery& other);
+    SnapshotQuery(SnapshotQuery&& other) noexcept;
     SnapshotQuery& operator=(const SnapshotQuery& other);
+    SnapshotQuery& operator=(SnapshotQuery&& other) noexcept;
     virtual ~SnapshotQuery();
 
     SnapshotMO condition;
@@ -150,7 +160,9 @@ public:
     MappingViewQuery();
     MappingViewQuery(const MappingViewMO& view, std::uint64_t start, std::uint64_t count);
     MappingViewQuery(const MappingViewQuery& other);
+    MappingViewQuery(MappingViewQuery&& other) noexcept;
     MappingViewQuery& operator=(const MappingViewQuery& other);
+    MappingViewQuery& operator=(MappingViewQuery&& other) noexcept;
     virtual ~MappingViewQuery();
 
     MappingViewMO condition;

@@ -1,9 +1,8 @@
 #ifndef BREVAN_Q7COMMON_SECRET_H
 #define BREVAN_Q7COMMON_SECRET_H
 
-#include <string.h>
-
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
