@@ -85,19 +85,22 @@ private:
     bool m_ended = false;
 };
 
-/// Runs `body(operation)` up to the operation's good end. A function of its own, so that a record is made where the caller wants it:
-/// inside of a try block it would be copied.
-template <class OperationType, class Body>
-std::invoke_result_t<Body, OperationType&> runToGoodEnd(OperationType& operation, Body&& body)
+// Runs `body(operation)` up to the operation's good end. Functions of their own, so that a record is made where the caller wants
+// it: a variable in a try block would be moved there.
+
+template <class OperationType, class Body, class Result = std::invoke_result_t<Body, OperationType&>>
+std::enable_if_t<!std::is_void_v<Result>, Result> runToGoodEnd(OperationType& operation, Body&& body)
 {
-    if constexpr (std::is_void_v<std::invoke_result_t<Body, OperationType&>>) {
-        body(operation);
-        operation.succeed();
-    } else {
-        auto result = body(operation);
-        operation.succeed();
-        return result;
-    }
+    Result result = body(operation);
+    operation.succeed();
+    return result;
+}
+
+template <class OperationType, class Body, class Result = std::invoke_result_t<Body, OperationType&>>
+std::enable_if_t<std::is_void_v<Result>> runToGoodEnd(OperationType& operation, Body&& body)
+{
+    body(operation);
+    operation.succeed();
 }
 
 /// Runs `body(operation)` as that operation. Exceptions of other types than the public ones are turned into them.
