@@ -130,8 +130,9 @@ void measure(const ManyDisks& disks)
 
 int main(int argc, char** argv)
 try {
-    want(argc == 2 && std::atoi(argv[1]) > 0, "run disk-search-bench.sh");
-    measure(ManyDisks(static_cast<unsigned>(std::atoi(argv[1]))));
+    const unsigned long count = argc == 2 ? std::strtoul(argv[1], nullptr, 10) : 0;
+    want(count > 0, "run disk-search-bench.sh");
+    measure(ManyDisks(static_cast<unsigned>(count)));
     return 0;
 } catch (const std::exception& failure) {
     std::cerr << "disk_search: " << failure.what() << "\n";
