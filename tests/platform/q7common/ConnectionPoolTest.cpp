@@ -2,6 +2,7 @@
 
 #include "TransportFixture.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +14,26 @@ namespace brevan {
 namespace {
 
 class Pool : public test::TransportTest {};
+
+/// This process can open no further descriptor while it lives.
+class NoMoreDescriptors {
+public:
+    NoMoreDescriptors()
+    {
+        getrlimit(RLIMIT_NOFILE, &m_before);
+        const int lowestFree = dup(STDIN_FILENO);
+        close(lowestFree);
+        rlimit now = m_before;
+        now.rlim_cur = static_cast<rlim_t>(lowestFree);
+        setrlimit(RLIMIT_NOFILE, &now);
+    }
+    ~NoMoreDescriptors() { setrlimit(RLIMIT_NOFILE, &m_before); }
+    NoMoreDescriptors(const NoMoreDescriptors&) = delete;
+    NoMoreDescriptors& operator=(const NoMoreDescriptors&) = delete;
+
+private:
+    rlimit m_before{};
+};
 
 TEST_F(Pool, GivesOutTheLastUsedFirst)
 {
@@ -131,6 +152,9 @@ TEST_F(Pool, ResumesTheTlsSessionForAFurtherConnection)
 
 TEST_F(Pool, OfAChildProcessTouchesNoConnectionOfItsParent)
 {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the address sanitizer's allocator may be locked in the child of a fork (GCC 12)";
+#endif
     const test::TlsServer server(test::identity());
     EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
     const pid_t child = fork();
@@ -150,19 +174,11 @@ TEST_F(Pool, OfAChildProcessTouchesNoConnectionOfItsParent)
 TEST_F(Pool, FailsClearlyWithoutDescriptorsAndRecovers)
 {
     const test::TlsServer server(test::identity());
-    const pid_t child = fork();
-    if (child == 0) {
-        while (dup(0) >= 0) {
-        }
-        const int refused = test::get(server.url()).result;
-        for (int number = 100; number < 200; ++number) {
-            close(number);
-        }
-        _exit(refused == REST_NO_CONNECTION && test::get(server.url()).result == REST_ANSWERED ? 0 : 1);
+    {
+        const NoMoreDescriptors none;
+        EXPECT_EQ(test::get(server.url()).result, REST_NO_CONNECTION);
     }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
 }
 
 }  // namespace
