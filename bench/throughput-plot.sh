@@ -17,7 +17,6 @@ set logscale x 2
 set xrange [0.9:18]
 set xtics (1, 2, 4, 8, 16)
 set yrange [0:*]
-
 set grid ytics linecolor rgb "#dddddd"
 plot rows using 1:4 with linespoints pointtype 7 linecolor rgb "#999999" title "wrk: the limit of the server", \
      rows using 1:3 with linespoints pointtype 7 linecolor rgb "#b5541c" title "bare libcurl and JsonCpp, a handle each", \
