@@ -9,6 +9,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <optional>
 #include <stdexcept>
 
 namespace brevan {
@@ -201,22 +202,18 @@ Delivery Connection::perform(const Message& message)
 /// What curl_easy_perform does, except that a fork may take place while it waits for the array.
 CURLcode Connection::transfer()
 {
-    CURLMcode fault = CURLM_OK;
-    int running = 1;
-    {
-        const ForkGate::Pass pass;
-        fault = curl_multi_add_handle(m_multi.get(), m_handle.get());
-    }
-    while (fault == CURLM_OK && running > 0) {
-        {
-            const ForkGate::Pass pass;
-            fault = curl_multi_perform(m_multi.get(), &running);
+    std::optional<ForkGate::Pass> pass(std::in_place);
+    int running = 0;
+    CURLMcode fault = curl_multi_add_handle(m_multi.get(), m_handle.get());
+    while (fault == CURLM_OK) {
+        fault = curl_multi_perform(m_multi.get(), &running);
+        if (fault != CURLM_OK || running == 0) {
+            break;
         }
-        if (fault == CURLM_OK && running > 0) {
-            fault = curl_multi_poll(m_multi.get(), nullptr, 0, kLongestWaitMs, nullptr);
-        }
+        pass.reset();
+        fault = curl_multi_poll(m_multi.get(), nullptr, 0, kLongestWaitMs, nullptr);
+        pass.emplace();
     }
-    const ForkGate::Pass pass;
     const CURLcode result = fault == CURLM_OK ? resultOfTransfer() : CURLE_OUT_OF_MEMORY;
     curl_multi_remove_handle(m_multi.get(), m_handle.get());
     return result;
