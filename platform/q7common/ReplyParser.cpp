@@ -38,7 +38,8 @@ bool parseJson(std::string_view text, Json::Value& root)
         return false;
     }
     try {
-        return readerOfThisThread().parse(text.data(), text.data() + text.size(), &root, nullptr) && !hasKeyTwice(text, root);
+        return readerOfThisThread().parse(text.data(), text.data() + text.size(), &root, nullptr) &&
+               !hasKeyTwice(text, root);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
