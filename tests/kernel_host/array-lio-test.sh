@@ -10,12 +10,6 @@ source "$HERE/array.sh"
 source "$HERE/../support/checks.sh"
 CONFIG=/sys/kernel/config/target
 
-create() { apiOk POST "$1" "$2" && field ID; }           # PATH BODY: prints the new object's ID
-join() {                                                        # OWNER-PATH METHOD OWNER-ID TYPE ID
-    apiOk "$2" "$1" "{\"ID\": \"$3\", \"ASSOCIATEOBJTYPE\": $4, \"ASSOCIATEOBJID\": \"$5\"}"
-}
-newLun() { create /lun "{\"NAME\": \"$1\", \"PARENTID\": \"0\", \"CAPACITY\": $2, \"ALLOCTYPE\": 1, \"INITIALALLOCCAPACITY\": 0}"; }
-wwnOfLun() { apiOk GET "/lun/$1" && field WWN; }
 
 startArray --settle 0
 step "array started"
@@ -31,15 +25,7 @@ second=$(newLun second 32768)
 wwn=$(wwnOfLun "$lun")
 wwn2=$(wwnOfLun "$second")
 check "the WWN is an NAA designator of type 6" grep -qxE '6[0-9a-f]{31}' <<<"$wwn"
-host=$(create /host '{"NAME": "host", "OPERATIONSYSTEM": 0}')
-apiOk PUT "/iscsi_initiator/$INITIATOR" "{\"ID\": \"$INITIATOR\", \"PARENTTYPE\": 21, \"PARENTID\": \"$host\"}"
-hostGroup=$(create /hostgroup '{"NAME": "hosts"}')
-lunGroup=$(create /lungroup/ '{"NAME": "luns"}')
-view=$(create /mappingview '{"NAME": "view"}')
-join /hostgroup/associate POST "$hostGroup" 21 "$host"
-join /lungroup/associate POST "$lunGroup" 11 "$lun"
-join /mappingview/create_associate PUT "$view" 14 "$hostGroup"
-join /mappingview/create_associate PUT "$view" 256 "$lunGroup"
+mapToInitiator "$lun"
 step "mapped"
 is "mapped, not rescanned: no disk" "$(disks)" 0
 check "rescan" rescan

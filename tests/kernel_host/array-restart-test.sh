@@ -11,27 +11,14 @@ source "$HERE/../support/checks.sh"
 CONFIG=/sys/kernel/config/target
 DATABASE=(--db "$ARRAY_DIR/array.db")
 
-create() { apiOk POST "$1" "$2" && field ID; }           # PATH BODY: prints the new object's ID
-join() {                                                        # OWNER-PATH METHOD OWNER-ID TYPE ID
-    apiOk "$2" "$1" "{\"ID\": \"$3\", \"ASSOCIATEOBJTYPE\": $4, \"ASSOCIATEOBJID\": \"$5\"}"
-}
 exported() { find $CONFIG/iscsi $CONFIG/core -mindepth 2 \( -name '6*' -o -name 'iqn*' \) 2>/dev/null | wc -l; }
 begin() { startArray "${DATABASE[@]}" && apiLogin; }
 sameData() { dd if="$1" bs=1M count=1 iflag=direct status=none | cmp - /tmp/pattern; }
 
 begin
-lun=$(create /lun '{"NAME": "kept", "PARENTID": "0", "CAPACITY": 32768, "ALLOCTYPE": 1, "INITIALALLOCCAPACITY": 0}')
-apiOk GET "/lun/$lun"
-wwn=$(field WWN)
-host=$(create /host '{"NAME": "host", "OPERATIONSYSTEM": 0}')
-apiOk PUT "/iscsi_initiator/$INITIATOR" "{\"PARENTTYPE\": 21, \"PARENTID\": \"$host\"}"
-hostGroup=$(create /hostgroup '{"NAME": "hosts"}')
-lunGroup=$(create /lungroup/ '{"NAME": "luns"}')
-view=$(create /mappingview '{"NAME": "view"}')
-join /hostgroup/associate POST "$hostGroup" 21 "$host"
-join /lungroup/associate POST "$lunGroup" 11 "$lun"
-join /mappingview/create_associate PUT "$view" 14 "$hostGroup"
-join /mappingview/create_associate PUT "$view" 256 "$lunGroup"
+lun=$(newLun kept 32768)
+wwn=$(wwnOfLun "$lun")
+mapToInitiator "$lun"
 loginInitiator
 check "rescan" rescan
 head -c 1M /dev/urandom >/tmp/pattern

@@ -22,3 +22,23 @@ wwnOfDisk() {                                # PATH: the NAA designator of its p
 diskOfWwn() { readlink -f "/dev/disk/by-id/wwn-0x$1"; }
 disks() { lsscsi | grep -c ' disk ' || true; }
 removeDisk() { echo 1 >"/sys/block/${1##*/}/device/delete"; }
+
+# Objects of the array, made without the SDK.
+create() { apiOk POST "$1" "$2" && field ID; }           # PATH BODY: prints the new object's ID
+join() {                                     # OWNER-PATH METHOD OWNER-ID TYPE ID
+    apiOk "$2" "$1" "{\"ID\": \"$3\", \"ASSOCIATEOBJTYPE\": $4, \"ASSOCIATEOBJID\": \"$5\"}"
+}
+newLun() { create /lun "{\"NAME\": \"$1\", \"PARENTID\": \"0\", \"CAPACITY\": $2, \"ALLOCTYPE\": 1, \"INITIALALLOCCAPACITY\": 0}"; }
+wwnOfLun() { apiOk GET "/lun/$1" && field WWN; }
+mapToInitiator() {                           # LUN: builds the whole chain; leaves $lunGroup
+    local host hostGroup view
+    host=$(create /host '{"NAME": "host", "OPERATIONSYSTEM": 0}')
+    apiOk PUT "/iscsi_initiator/$INITIATOR" "{\"ID\": \"$INITIATOR\", \"PARENTTYPE\": 21, \"PARENTID\": \"$host\"}"
+    hostGroup=$(create /hostgroup '{"NAME": "hosts"}')
+    lunGroup=$(create /lungroup/ '{"NAME": "luns"}')
+    view=$(create /mappingview '{"NAME": "view"}')
+    join /hostgroup/associate POST "$hostGroup" 21 "$host"
+    join /lungroup/associate POST "$lunGroup" 11 "$1"
+    join /mappingview/create_associate PUT "$view" 14 "$hostGroup"
+    join /mappingview/create_associate PUT "$view" 256 "$lunGroup"
+}
