@@ -31,13 +31,13 @@ join() {                                     # OWNER-PATH METHOD OWNER-ID TYPE I
 newLun() { create /lun "{\"NAME\": \"$1\", \"PARENTID\": \"0\", \"CAPACITY\": $2, \"ALLOCTYPE\": 1, \"INITIALALLOCCAPACITY\": 0}"; }
 wwnOfLun() { apiOk GET "/lun/$1" && field WWN; }
 mapToInitiator() {                           # LUN: builds the whole chain; leaves $lunGroup
-    local host hostGroup view
-    host=$(create /host '{"NAME": "host", "OPERATIONSYSTEM": 0}')
-    apiOk PUT "/iscsi_initiator/$INITIATOR" "{\"ID\": \"$INITIATOR\", \"PARENTTYPE\": 21, \"PARENTID\": \"$host\"}"
+    local owner hostGroup view
+    owner=$(create /host '{"NAME": "host", "OPERATIONSYSTEM": 0}')
+    apiOk PUT "/iscsi_initiator/$INITIATOR" "{\"ID\": \"$INITIATOR\", \"PARENTTYPE\": 21, \"PARENTID\": \"$owner\"}"
     hostGroup=$(create /hostgroup '{"NAME": "hosts"}')
     lunGroup=$(create /lungroup/ '{"NAME": "luns"}')
     view=$(create /mappingview '{"NAME": "view"}')
-    join /hostgroup/associate POST "$hostGroup" 21 "$host"
+    join /hostgroup/associate POST "$hostGroup" 21 "$owner"
     join /lungroup/associate POST "$lunGroup" 11 "$1"
     join /mappingview/create_associate PUT "$view" 14 "$hostGroup"
     join /mappingview/create_associate PUT "$view" 256 "$lunGroup"
