@@ -32,9 +32,9 @@ Operation::~Operation()
 void Operation::line(const char* custom, const char* word) const
 {
     if (custom == nullptr) {
-        COMMLOG(OS_LOG_INFO, "%s %s successfully!", word, m_style.logName);
+        logParts(OS_LOG_INFO, {word, " ", m_style.logName, " successfully!"});
     } else if (*custom != '\0') {
-        COMMLOG(OS_LOG_INFO, "%s", custom);
+        logParts(OS_LOG_INFO, {custom});
     }
 }
 

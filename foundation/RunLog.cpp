@@ -14,6 +14,14 @@ constexpr std::size_t kMessageSize = 513;  // 512 characters and the terminator
 using WriteLine = void (*)(const char* tag, const char* message);
 constexpr std::array<WriteLine, 4> kWriters = {Log_Run_Debug, Log_Run_Info, Log_Run_Warn, Log_Run_Error};
 
+void write(OS_LOGLEVEL level, const char* message)
+{
+    const auto index = static_cast<std::size_t>(level);
+    if (index < kWriters.size()) {
+        kWriters[index](kProductTag, message);
+    }
+}
+
 }  // namespace
 
 void COMMLOG(OS_LOGLEVEL level, const char* format, ...)
@@ -28,8 +36,16 @@ void COMMLOG(OS_LOGLEVEL level, const char* format, ...)
     if (length < 0) {
         Log_Run_Info(kProductTag, message.data());
     }
-    const auto index = static_cast<std::size_t>(level);
-    if (index < kWriters.size()) {
-        kWriters[index](kProductTag, message.data());
+    write(level, message.data());
+}
+
+void brevan::logParts(OS_LOGLEVEL level, std::initializer_list<std::string_view> parts) noexcept
+{
+    std::array<char, kMessageSize> message;
+    std::size_t length = 0;
+    for (const std::string_view part : parts) {
+        length += part.copy(message.data() + length, kMessageSize - 1 - length);
     }
+    message[length] = '\0';
+    write(level, message.data());
 }

@@ -1,13 +1,21 @@
 #include "HeaderLines.h"
 
+#include <array>
+
 namespace brevan {
 
 namespace {
 
-char toLower(char c)
+constexpr std::array<char, 256> tableOfLowerCase()
 {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    std::array<char, 256> table{};
+    for (std::size_t c = 0; c < table.size(); ++c) {
+        table[c] = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    }
+    return table;
 }
+
+constexpr std::array<char, 256> kLowerCase = tableOfLowerCase();
 
 char toUpper(char c)
 {
@@ -42,12 +50,13 @@ void addHeaderLine(std::string_view line, std::vector<std::string>& lines)
         return;
     }
     std::string canonical(line);
-    bool beginsWord = true;
     char* const name = canonical.data();
     for (std::size_t i = 0; i < colon; ++i) {
-        const char c = name[i];
-        name[i] = beginsWord ? toUpper(c) : toLower(c);
-        beginsWord = c == '-';
+        name[i] = kLowerCase[static_cast<unsigned char>(name[i])];
+    }
+    name[0] = toUpper(name[0]);
+    for (std::size_t dash = line.find('-'); dash < colon; dash = line.find('-', dash + 1)) {
+        name[dash + 1] = toUpper(name[dash + 1]);
     }
     lines.push_back(std::move(canonical));
 }

@@ -47,6 +47,17 @@ TEST_F(RunLog, WritesWhatThereIsAsInfoFirstWhereFormattingFails)
     EXPECT_EQ(newLog(), (Lines{"info: before ", "error: before "}));
 }
 
+TEST_F(RunLog, PutsPartsIntoOneLineAndCutsItAfter512Bytes)
+{
+    logParts(OS_LOG_INFO, {"enter", " ", "getLun", "%s"});
+    logParts(OS_LOG_WARN, {std::string(511, 'a'), "bc", "d"});
+    logParts(OS_LOG_ERROR, {std::string(100000, 'c'), "d"});
+    logParts(OS_LOG_ERROR, {});
+    logParts(static_cast<OS_LOGLEVEL>(4), {"text"});
+    EXPECT_EQ(newLog(), (Lines{"info: enter getLun%s", "warn: " + std::string(511, 'a') + "b",
+                               "error: " + std::string(512, 'c'), "error: "}));
+}
+
 TEST_F(RunLog, WritesAnEmptyLine)
 {
     COMMLOG(OS_LOG_INFO, "%s", "");
