@@ -46,11 +46,14 @@ readMutants() {
     done <"$MUTANTS"
 }
 
-copySources() {
-    mkdir -p "$COPY"
-    (cd "$TOP" && git ls-files -z -co --exclude-standard | while IFS= read -r -d '' file; do
-        [[ ! -f $file ]] || printf '%s\0' "$file"
-    done | xargs -0 cp -pu --parents -t "$COPY")
+copySources() {                              # what differs, with a new time: a run that was interrupted may have left a mutant behind
+    local file
+    cd "$TOP"
+    git ls-files -z -co --exclude-standard | while IFS= read -r -d '' file; do
+        if [[ ! -f $file ]] || cmp -s "$file" "$COPY/$file"; then continue; fi
+        mkdir -p "$COPY/$(dirname "$file")"
+        cp "$file" "$COPY/$file"
+    done
 }
 
 build() { ninja -C "$BUILD" -j "$(nproc)" "$@" >"$LOG" 2>&1; }
