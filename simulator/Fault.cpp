@@ -3,12 +3,14 @@
 #include "Amounts.h"
 #include "Text.h"
 
+#include <boost/algorithm/string/case_conv.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <charconv>
 #include <iterator>
 #include <limits>
+#include <locale>
 #include <stdexcept>
 
 namespace brevan::sim {
@@ -19,7 +21,7 @@ using nlohmann::json;
 
 constexpr const char* kAllFaults =
     "\"error CODE\", \"status N\", \"stall TIME\", \"reset before\", \"reset after\", \"cut BYTES\", \"garbage\", "
-    "\"wrong types\", \"session gone\" or \"pass\"";
+    "\"wrong types\", \"upper case\", \"session gone\" or \"pass\"";
 constexpr const char* kErrorText = "Asked for by the fault script.";
 constexpr std::int64_t kLargestCut = 1 << 30;
 
@@ -38,6 +40,7 @@ constexpr Word kWords[] = {
     {"reset after", FaultKind::kResetAfter, false},
     {"garbage", FaultKind::kGarbage, false},
     {"wrong types", FaultKind::kWrongTypes, false},
+    {"upper case", FaultKind::kUpperCase, false},
     {"session gone", FaultKind::kSessionGone, false},
     {"pass", FaultKind::kPass, false},
 };
@@ -95,6 +98,26 @@ void spoilTypes(json& record)
     }
 }
 
+void raiseCase(json& record)
+{
+    for (json& value : record) {
+        if (value.is_string()) {
+            boost::algorithm::to_upper(value.get_ref<std::string&>(), std::locale::classic());
+        }
+    }
+}
+
+/// One record, or each of a list of them.
+template <class Change>
+void changeRecords(json& data, Change change)
+{
+    if (data.is_array()) {
+        std::for_each(data.begin(), data.end(), change);
+    } else {
+        change(data);
+    }
+}
+
 /// Every value becomes one that cannot be taken for what was meant; a reply without values gets a text for a record.
 std::string wrongTypes(const std::string& body)
 {
@@ -102,10 +125,17 @@ std::string wrongTypes(const std::string& body)
     json& data = reply["data"];
     if (data.empty()) {
         data = "of the wrong type";
-    } else if (data.is_array()) {
-        std::for_each(data.begin(), data.end(), spoilTypes);
     } else {
-        spoilTypes(data);
+        changeRecords(data, spoilTypes);
+    }
+    return reply.dump();
+}
+
+std::string upperCase(const std::string& body)
+{
+    json reply = json::parse(body);
+    if (const auto data = reply.find("data"); data != reply.end()) {
+        changeRecords(*data, raiseCase);
     }
     return reply.dump();
 }
@@ -186,6 +216,9 @@ WireReply spoiled(WireReply reply, const Fault& fault)
             return reply;
         case FaultKind::kWrongTypes:
             reply.body = wrongTypes(reply.body);
+            return reply;
+        case FaultKind::kUpperCase:
+            reply.body = upperCase(reply.body);
             return reply;
         default:
             return reply;

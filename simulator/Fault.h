@@ -22,6 +22,7 @@ enum class FaultKind {
     kCut,         ///< "cut 40": the answer's body ends after so many bytes, and the connection with it
     kGarbage,     ///< "garbage": the answer is not JSON
     kWrongTypes,  ///< "wrong types": the values in the answer's records are of other types
+    kUpperCase,   ///< "upper case": the texts in the answer's records come in capitals
 };
 
 struct Fault {

@@ -146,11 +146,30 @@ TEST_F(WrongDisk, IsNoneWhereTheFirstDesignatorIsAText)
     removeDebugDisk();
 }
 
+std::string inCapitals(std::string wwn)
+{
+    std::transform(wwn.begin(), wwn.end(), wwn.begin(), [](unsigned char c) { return std::toupper(c); });
+    return wwn;
+}
+
+/// A WWN is compared as the array wrote it, and pages and links have small letters.
+TEST_F(WrongDisk, IsNoneWhereTheArraySaysTheWwnInCapitals)
+{
+    const std::string upper = inCapitals(lun.WWN);
+    ASSERT_NE(upper, lun.WWN);
+    array->addFaults(R"({"operation": "GET /lun/{id}", "do": ["upper case", "upper case"]})");
+    EXPECT_EQ(client.scan(lun.ID), "");  // and no link has that name
+    EXPECT_NE(lastFailure().text.find(upper), std::string::npos) << lastFailure().text;
+    link("scsi-3" + upper, nameOf(path));
+    EXPECT_EQ(client.scan(lun.ID), "");  // the disk behind the link is the right one, its page says it in small letters
+    EXPECT_NE(lastFailure().text.find(upper), std::string::npos) << lastFailure().text;
+    EXPECT_EQ(array->faultsLeft(), 0U);
+    EXPECT_EQ(client.scan(lun.ID), path) << lastFailure().text;
+}
+
 TEST_F(WrongDisk, IsNoneForAnUpperCaseWwn)
 {
-    std::string upper = lun.WWN;
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
-    ASSERT_NE(upper, lun.WWN);
+    const std::string upper = inCapitals(lun.WWN);
     link("scsi-3" + upper, nameOf(path));
     EXPECT_EQ(search(upper), "");
     EXPECT_EQ(search(lun.WWN), path);

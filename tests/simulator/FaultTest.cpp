@@ -32,7 +32,7 @@ TEST(Fault, IsWrittenAsItWasRead)
 {
     for (const char* line :
          {"error 1077949006", "error -401", "error 7 not yet", "status 503", "stall 2s", "stall 1500ms", "reset before",
-          "reset after", "cut 40", "cut 0", "garbage", "wrong types", "session gone", "pass"}) {
+          "reset after", "cut 40", "cut 0", "garbage", "wrong types", "upper case", "session gone", "pass"}) {
         EXPECT_EQ(faultText(readFault(line)), line);
     }
 }
@@ -60,7 +60,7 @@ TEST(Fault, ComesInsteadOfTheOperationOrAfterIt)
     for (const char* line : {"error 1", "status 500", "reset before", "session gone"}) {
         EXPECT_TRUE(happensInstead(readFault(line).kind)) << line;
     }
-    for (const char* line : {"pass", "stall 1s", "reset after", "cut 1", "garbage", "wrong types"}) {
+    for (const char* line : {"pass", "stall 1s", "reset after", "cut 1", "garbage", "wrong types", "upper case"}) {
         EXPECT_FALSE(happensInstead(readFault(line).kind)) << line;
     }
 }
@@ -90,4 +90,15 @@ TEST(Fault, GivesEveryValueAWrongType)
               R"({"data":[{"ID":["7"]},{"ID":["8"]}],"error":{"code":0}})");
     EXPECT_EQ(types(R"({"error":{"code":0}})"), R"({"data":"of the wrong type","error":{"code":0}})");
     EXPECT_EQ(types(R"({"data":{},"error":{"code":0}})"), R"({"data":"of the wrong type","error":{"code":0}})");
+}
+
+TEST(Fault, PutsTheTextsOfRecordsIntoCapitals)
+{
+    const auto capitals = [](const char* body) { return Data::parse(spoiledBy("upper case", body).body).dump(); };
+    EXPECT_EQ(capitals(R"({"data":{"WWN":"6a0b","N":1},"error":{"code":0,"description":"ok"}})"),
+              R"({"data":{"N":1,"WWN":"6A0B"},"error":{"code":0,"description":"ok"}})");
+    EXPECT_EQ(capitals(R"({"data":[{"WWN":"6a"},{"WWN":"6b\u00e4"}],"error":{"code":0}})"),
+              "{\"data\":[{\"WWN\":\"6A\"},{\"WWN\":\"6B\u00e4\"}],\"error\":{\"code\":0}}");
+    EXPECT_EQ(capitals(R"({"data":{},"error":{"code":0}})"), R"({"data":{},"error":{"code":0}})");
+    EXPECT_EQ(capitals(R"({"error":{"code":-401}})"), R"({"error":{"code":-401}})");
 }

@@ -159,7 +159,7 @@ std::string controlBytes(Dice& dice)
     constexpr const char* kMethods[] = {"GET", "POST", "PUT", "DELETE"};
     constexpr const char* kBodies[] = {
         R"({"operation": "POST /lungroup", "do": ["error 1077949006", "status 503", "stall 2s", "reset before", "cut 40"]})",
-        R"([{"operation": "GET /lun/{id}", "do": ["reset after", "garbage", "wrong types", "session gone", "pass"]}])",
+        R"([{"operation": "GET /lun/{id}", "do": ["reset after", "garbage", "wrong types", "upper case", "session gone", "pass"]}])",
         R"({"latency": "5ms", "bandwidth": "1MB/s"})"};
     const std::string body = dice.from(kBodies);
     std::string bytes = std::string(dice.from(kMethods)) + " " + dice.from(kPaths) + " HTTP/1.1\r\nHost: 127.0.0.1\r\n" +
