@@ -12,10 +12,11 @@ ReplyRecord::ReplyRecord(const Json::Value& record)
         throw UnusableReply();
     }
     m_members.reserve(record.size());
-    for (auto member = record.begin(); member != record.end(); ++member) {
-        const char* end = nullptr;
-        const char* begin = member.memberName(&end);
-        m_members.push_back({std::string_view(begin, static_cast<std::size_t>(end - begin)), &*member});
+    const auto end = record.end();
+    for (auto member = record.begin(); member != end; ++member) {
+        const char* keyEnd = nullptr;
+        const char* key = member.memberName(&keyEnd);
+        m_members.push_back({std::string_view(key, static_cast<std::size_t>(keyEnd - key)), &*member});
     }
 }
 

@@ -90,6 +90,7 @@ void Connection::set(CURLoption option, Value value)
 
 Connection::Connection(const Server& server, const Settings& settings, std::shared_ptr<TlsSessions> tlsSessions)
     : m_tlsSessions(std::move(tlsSessions)),
+      m_url(server, settings.tlsFor(server.host).serverName),
       m_multi(newMulti()),
       m_handle(curl_easy_init()),
       m_replyLimit(settings.replyBytes)
@@ -115,6 +116,7 @@ Connection::Connection(const Server& server, const Settings& settings, std::shar
     }
     set(CURLOPT_SHARE, m_tlsSessions->handle());
     setTls(server, settings.tlsFor(server.host));
+    set(CURLOPT_CURLU, m_url.handle());
     setCallbacks();
 }
 
@@ -156,7 +158,7 @@ void Connection::setCallbacks()
 
 void Connection::setMessage(const Message& message)
 {
-    set(CURLOPT_URL, message.url);
+    m_url.setPath(*message.path);
     set(CURLOPT_HTTPHEADER, message.headers);
     if (message.body == nullptr) {
         set(CURLOPT_HTTPGET, 1L);

@@ -2,6 +2,7 @@
 #define BREVAN_Q7COMMON_CONNECTION_H
 
 #include "HeaderList.h"
+#include "RequestUrl.h"
 #include "RestRequest.h"
 #include "Secret.h"
 #include "Settings.h"
@@ -23,7 +24,7 @@ namespace brevan {
 /// One request as it goes out. Everything it points at outlives the request.
 struct Message {
     REST_REQUEST_MODE_E mode = REST_GET;
-    const char* url = nullptr;
+    const std::string* path = nullptr;  ///< encoded, with its query
     curl_slist* headers = nullptr;
     const SecretBytes* body = nullptr;                ///< null: none
     std::vector<std::string>* headerLines = nullptr;  ///< null: not wanted
@@ -96,6 +97,7 @@ private:
     std::shared_ptr<TlsSessions> m_tlsSessions;  // outlives the handle, which uses it while it closes
     std::string m_connectTo;
     HeaderList m_connectToList;
+    RequestUrl m_url;                             // the handle uses it
     curl_socket_t m_socket = CURL_SOCKET_BAD;     // of the connection that is kept; closing it, below, writes here
     std::unique_ptr<CURLM, MultiCloser> m_multi;  // keeps the connection between requests
     std::unique_ptr<CURL, HandleCloser> m_handle;

@@ -6,21 +6,21 @@ namespace brevan {
 
 namespace {
 
-constexpr std::array<char, 256> tableOfLowerCase()
+using Letters = std::array<char, 256>;
+
+/// Every character as it is, but the letters from `first` to `last` moved to those from `target` on.
+constexpr Letters letters(char first, char last, char target)
 {
-    std::array<char, 256> table{};
+    Letters table{};
     for (std::size_t c = 0; c < table.size(); ++c) {
-        table[c] = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+        const char letter = static_cast<char>(c);
+        table[c] = letter >= first && letter <= last ? static_cast<char>(letter - first + target) : letter;
     }
     return table;
 }
 
-constexpr std::array<char, 256> kLowerCase = tableOfLowerCase();
-
-char toUpper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
+constexpr Letters kLowerCase = letters('A', 'Z', 'a');
+constexpr Letters kUpperCase = letters('a', 'z', 'A');
 
 std::string_view withoutLineEnd(std::string_view line)
 {
@@ -49,16 +49,12 @@ void addHeaderLine(std::string_view line, std::vector<std::string>& lines)
     if (colon == std::string_view::npos || colon == 0) {
         return;
     }
-    std::string canonical(line);
-    char* const name = canonical.data();
+    char* const name = lines.emplace_back(line).data();
+    const Letters* next = &kUpperCase;
     for (std::size_t i = 0; i < colon; ++i) {
-        name[i] = kLowerCase[static_cast<unsigned char>(name[i])];
+        name[i] = (*next)[static_cast<unsigned char>(name[i])];
+        next = name[i] == '-' ? &kUpperCase : &kLowerCase;
     }
-    name[0] = toUpper(name[0]);
-    for (std::size_t dash = line.find('-'); dash < colon; dash = line.find('-', dash + 1)) {
-        name[dash + 1] = toUpper(name[dash + 1]);
-    }
-    lines.push_back(std::move(canonical));
 }
 
 }  // namespace brevan

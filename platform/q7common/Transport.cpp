@@ -98,8 +98,7 @@ Outcome readReply(SecretBytes&& text, long httpStatus, RestResponse& response)
     }
 }
 
-Outcome exchange(const Order& order, const Settings& settings, const std::string& url, RestResponse& response,
-                 std::vector<std::string>* headerLines)
+Outcome exchange(const Order& order, const Settings& settings, RestResponse& response, std::vector<std::string>* headerLines)
 {
     HeaderList headers;
     headers.add("Accept: application/json");
@@ -109,10 +108,11 @@ Outcome exchange(const Order& order, const Settings& settings, const std::string
     }
     headers.add(order.token);
     headers.add(order.cookie);
+    const std::string path = encodePath(order.path);
     const SecretBytes body = hasBody(order) ? order.body->json() : SecretBytes();
     ConnectionPool::Lease connection = ConnectionPool::instance().take(*order.server, settings);
     const Delivery delivery =
-        connection->perform({order.mode, url.c_str(), headers.list(), hasBody(order) ? &body : nullptr, headerLines});
+        connection->perform({order.mode, &path, headers.list(), hasBody(order) ? &body : nullptr, headerLines});
     const REST_SEND_RESULT_E result = resultOf(delivery);
     if (result != REST_ANSWERED) {
         return failed(result, delivery, connection->failureText());
@@ -131,8 +131,7 @@ Outcome carryOut(const Order& order, RestResponse& response, std::vector<std::st
     if (!settings->isUsable()) {
         return {REST_BAD_SETTINGS, "the transport settings in " + settings->file + " are wrong"};
     }
-    const std::string url = baseUrl(*order.server, settings->tlsFor(order.server->host).serverName) + encodePath(order.path);
-    return exchange(order, *settings, url, response, headerLines);
+    return exchange(order, *settings, response, headerLines);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
 
@@ -15,7 +16,7 @@ constexpr std::string_view kNameCharacters = "-._";
 // Letters and digits aside: the unreserved characters and the delimiters of RFC 3986 but "'", "+", "#" and "%".
 constexpr std::string_view kPlainCharacters = "-._~!$&()*,;=:@/?[]";
 
-bool isLetterOrDigit(char c)
+constexpr bool isLetterOrDigit(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
@@ -25,6 +26,19 @@ bool isControl(char c)
     const auto byte = static_cast<unsigned char>(c);
     return byte < 0x20 || byte == 0x7f;
 }
+
+/// Whether a character stands in a URL as it is, for each of them.
+constexpr std::array<bool, 256> tableOfPlainCharacters()
+{
+    std::array<bool, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        const char c = static_cast<char>(byte);
+        table[byte] = isLetterOrDigit(c) || kPlainCharacters.find(c) != std::string_view::npos;
+    }
+    return table;
+}
+
+constexpr std::array<bool, 256> kIsPlain = tableOfPlainCharacters();
 
 bool isPort(std::string_view text)
 {
@@ -51,6 +65,9 @@ bool isHost(std::string_view text)
 bool hasParentSegment(std::string_view path)
 {
     path = path.substr(0, path.find('?'));
+    if (path.find("..") == std::string_view::npos) {
+        return false;  // nearly always
+    }
     while (!path.empty()) {
         const std::size_t end = path.find('/');
         if (path.substr(0, end) == "..") {
@@ -96,9 +113,9 @@ std::string urlHost(std::string_view host)
     return needsBrackets ? "[" + std::string(host) + "]" : std::string(host);
 }
 
-std::string baseUrl(const Server& server, std::string_view name)
+std::string baseUrl(const Server& server)
 {
-    return std::string(kScheme) + urlHost(name.empty() ? std::string_view(server.host) : name) + ":" + server.port;
+    return std::string(kScheme) + urlHost(server.host) + ":" + server.port;
 }
 
 PathFault checkPath(std::string_view path)
@@ -129,15 +146,18 @@ const char* describe(PathFault fault)
 
 std::string encodePath(std::string_view path)
 {
-    constexpr char kHexDigits[] = "0123456789ABCDEF";
+    constexpr char kHexDigits[] = "0123456789abcdef";  // libcurl makes small letters of capitals
+    const auto isPlain = [](char c) { return kIsPlain[static_cast<unsigned char>(c)]; };
     std::string encoded;
     encoded.reserve(path.size() + 16);
-    for (const char c : path) {
-        if (isLetterOrDigit(c) || kPlainCharacters.find(c) != std::string_view::npos) {
-            encoded += c;
-            continue;
+    for (auto at = path.begin(); at != path.end(); ++at) {
+        const auto run = at;
+        at = std::find_if_not(run, path.end(), isPlain);
+        encoded.append(run, at);
+        if (at == path.end()) {
+            break;
         }
-        const auto byte = static_cast<unsigned char>(c);
+        const auto byte = static_cast<unsigned char>(*at);
         encoded += '%';
         encoded += kHexDigits[byte >> 4];
         encoded += kHexDigits[byte & 0x0f];

@@ -23,8 +23,8 @@ std::optional<Server> makeServer(std::string_view host, std::string_view port);
 /// The host as it stands in a URL, an IPv6 literal in brackets.
 std::string urlHost(std::string_view host);
 
-/// "https://" host ":" port, where `name`, unless it is empty, stands in for the host.
-std::string baseUrl(const Server& server, std::string_view name = {});
+/// "https://" host ":" port.
+std::string baseUrl(const Server& server);
 
 enum class PathFault { None, NotAbsolute, ControlCharacter, ParentSegment };
 
@@ -34,7 +34,7 @@ PathFault checkPath(std::string_view path);
 const char* describe(PathFault fault);
 
 /// The raw path with everything encoded that is not allowed in a URL, byte by byte; "?", "&", "=", ":", "[", "]" and "/"
-/// stay. A "%" is text and becomes "%25". A "+" becomes "%2B", because many servers read a bare one as a blank.
+/// stay. A "%" is text and becomes "%25". A "+" becomes "%2b", because many servers read a bare one as a blank.
 std::string encodePath(std::string_view path);
 
 }  // namespace brevan
