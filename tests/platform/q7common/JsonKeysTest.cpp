@@ -40,6 +40,7 @@ TEST(JsonKeys, AreNoColonsInsideOfStrings)
         EXPECT_FALSE(repeatsAKey(text)) << text;
     }
     EXPECT_TRUE(repeatsAKey(R"({"a\"":":","a\"":":"})"));
+    EXPECT_TRUE(repeatsAKey(R"({"a":1,"a":2,"b":")" + std::string(255, ':') + "\"}"));
 }
 
 TEST(JsonKeys, AreCountedInALongTextOfEscapesInNoTime)
