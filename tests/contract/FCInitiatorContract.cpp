@@ -72,6 +72,7 @@ Operation getFCInitiator()
                   "ID:21000024ff NAME:i PARENTID:21 PARENTNAME:h HEALTHSTATUS:1 RUNNINGSTATUS:27 ISFREE:1")
         .failsAt("GET /fc_initiator/21000024ff", {"getFCInitiator"})
         .succeeds("no record", get, reading(""), "")
+        .succeeds("a record without ID", get, reading(R"({"NAME":"i"})"), "")
         .succeeds("only the exact text is true", get, reading(R"({"ID":"21000024ff","ISFREE":"1"})"), "ID:21000024ff")
         .refuses(kNoId, [](Sdk& sdk) { return sdk.fc().getFCInitiator(""); });
 }

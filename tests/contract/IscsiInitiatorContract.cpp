@@ -215,6 +215,7 @@ Operation getIscsiInitiator()
             "DISCOVERYVERMODE:2 CHAPNAME:user CHAPNAMEINITATORVERTARGET:target")
         .failsAt(kGet, {"getIscsiInitiator"})
         .succeeds("no record", get, done("getIscsiInitiator", send(kGet)), "")
+        .succeeds("a record without ID", get, done("getIscsiInitiator", send(kGet, R"({"NAME":"i"})")), "")
         .succeeds("only the exact text is true", get,
                   done("getIscsiInitiator", send(kGet, R"({"ID":"iqn","ISFREE":"TRUE","USECHAP":"1"})")), "ID:iqn")
         .refuses(kNoId, [](Sdk& sdk) { return sdk.iscsi().getIscsiInitiator(""); });

@@ -85,9 +85,13 @@ TEST_F(DiskSearch, VisitsDisksInAscendingOrderOfPathsUpToTheFirstMatch)
 TEST_F(DiskSearch, TakesADiskUnderAWwnName)
 {
     devices.addDisk(diskPath("sdc"), kWwn);
-    expectListing(printing({listed("scsi-0QEMU_disk", "sdc"), listed(std::string("wwn-0x") + kWwn, "sdc") + "\n"}));
-    expectDeviceRescan("sdc");
-    EXPECT_EQ(find(), diskPath("sdc"));
+    const std::string name = listed(std::string("wwn-0x") + kWwn, "sdc") + "\n";
+    for (const auto& names : {Lines{name}, Lines{listed("scsi-0QEMU_disk", "sdc"), name}}) {
+        expectListing(printing(names));
+        expectDeviceRescan("sdc");
+        EXPECT_EQ(find(), diskPath("sdc"));
+        recorder.verify();
+    }
 }
 
 TEST_F(DiskSearch, NeedsBothPageAndNameToAgree)

@@ -136,5 +136,15 @@ TEST_F(DeviceManager, KeepsItsHandlersInTheOrderOfDeletion)
     EXPECT_EQ(kept, handedOut);
 }
 
+TEST_F(DeviceManager, MakesNoHandlerForATypeThatThereIsNot)
+{
+    for (const int type : {0, 1, 15, -1}) {
+        EXPECT_EQ(manager.getHandler(static_cast<HANDLERTYPE>(type)), nullptr) << type;
+    }
+    for (const auto& handler : handlersOf(manager)) {
+        EXPECT_EQ(handler, nullptr);
+    }
+}
+
 }  // namespace
 }  // namespace brevan::test
