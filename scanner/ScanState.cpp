@@ -2,12 +2,31 @@
 
 #include "foundation/RunLog.h"
 
+#include <pthread.h>
+
+#include <new>
+
 std::mutex g_scanLunMutex;
 std::condition_variable g_scanlunEndCond;
 
 namespace {
+
 std::atomic<std::int32_t> g_scanState{UPRESCAN_NONE};
+
+/// A child of fork has no thread that runs a rescan or holds the mutex, and would wait for one for ever. Forks do not wait
+/// for the mutex: a scan holds it while it searches.
+void forgetTheParentsScan()
+{
+    new (&g_scanLunMutex) std::mutex;
+    new (&g_scanlunEndCond) std::condition_variable;
+    if (GetScanState() == UPRESCAN_RUNNING) {
+        SetScanState(UPRESCAN_NONE);
+    }
 }
+
+[[maybe_unused]] const int kForks = pthread_atfork(nullptr, nullptr, &forgetTheParentsScan);
+
+}  // namespace
 
 void SetScanState(UpRescanState state)
 {

@@ -1,5 +1,6 @@
 #include "scanner/UpRescanLock.h"
 
+#include "foundation/HeldOverForks.h"
 #include "foundation/RunLog.h"
 
 #include <sys/ipc.h>
@@ -13,6 +14,10 @@ int g_lockInitialised = 0;
 }
 
 namespace {
+
+// Two threads that both find no set would both make it free, the second perhaps while it is held.
+std::mutex initialising;
+const brevan::HeldOverForks<initialising> kForks;
 
 constexpr key_t kKey = 1235;
 constexpr int kSemaphores = 1;
@@ -76,9 +81,7 @@ int UpRescanLock::ReleaseLock()
 
 void UpRescanLock::initOncePerProcess()
 {
-    // Two threads that both find no set would both make it free, the second perhaps while it is held.
-    static std::mutex once;
-    const std::lock_guard<std::mutex> lock(once);
+    const std::lock_guard<std::mutex> lock(initialising);
     if (brevan::g_lockInitialised != 1 && InitLock() == 0) {
         brevan::g_lockInitialised = 1;
     }

@@ -6,7 +6,7 @@
 /// The host-wide lock around rescan and disk search: a System V semaphore with key 1235, shared with every process of the
 /// host that uses this library. 1: free, 0: held. It outlives the processes; the kernel gives back the unit of a process
 /// that dies (SEM_UNDO). Keeps nothing: every operation looks the set up by its key. All return 0, or -1 with a line in the
-/// run log and the reason in errno.
+/// run log; GetLock leaves the reason in errno.
 class UpRescanLock {
 public:
     /// Finds the set, or makes it, free. A set whose id is 0 counts as not found and is set free again: meant.

@@ -4,6 +4,7 @@
 #include "foundation/RunLog.h"
 
 std::mutex CDeviceManagerImpl::m_mutex;
+const brevan::HeldOverForks<CDeviceManagerImpl::m_mutex> CDeviceManagerImpl::kForks;
 std::int32_t CDeviceManagerImpl::iniCnt = 0;
 std::atomic<std::uint32_t> CDeviceManagerImpl::m_retryTimes{1};
 std::atomic<std::uint32_t> CDeviceManagerImpl::m_trySleepTimeMs{500000};
@@ -12,9 +13,8 @@ CDeviceManagerImpl::CDeviceManagerImpl() = default;
 
 CDeviceManagerImpl::~CDeviceManagerImpl()
 {
-    // An array would destroy its elements from the end.
     for (auto& handler : m_handlers) {
-        handler.reset();
+        const std::unique_ptr<CHandler> owned(handler.exchange(nullptr));
     }
 }
 

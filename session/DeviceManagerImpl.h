@@ -1,6 +1,8 @@
 #ifndef BREVAN_SESSION_DEVICEMANAGERIMPL_H
 #define BREVAN_SESSION_DEVICEMANAGERIMPL_H
 
+#include "foundation/HeldOverForks.h"
+
 #include <brevan/DeviceManager.h>
 
 #include <array>
@@ -48,7 +50,8 @@ private:
     void openSession(const std::string& ip, unsigned int port, const std::string& deviceId, const std::string& token,
                      const std::string& cookie, bool openedHere);
 
-    static std::mutex m_mutex;  // guards the four below and the start and stop of logging
+    static std::mutex m_mutex;  // guards the start and stop of logging and what follows
+    static const brevan::HeldOverForks<m_mutex> kForks;
     static std::int32_t iniCnt;
     static std::atomic<std::uint32_t> m_retryTimes;
     static std::atomic<std::uint32_t> m_trySleepTimeMs;
@@ -59,7 +62,9 @@ private:
     std::string m_token;
     std::string m_cookie;
     std::string m_deviceId;
-    std::array<std::unique_ptr<CHandler>, kHandlerCount> m_handlers;  // in the order in which they are deleted
+    // Owned, in the order in which they are deleted. Null until somebody asks: the application, or in any of its threads an
+    // attach or a scan.
+    std::array<std::atomic<CHandler*>, kHandlerCount> m_handlers{};
 };
 
 #endif

@@ -44,16 +44,26 @@ constexpr Kind kKinds[CDeviceManagerImpl::kHandlerCount] = {
     {HANDLER_DISK_SCANNER, make<CDiskScannerHandlerImpl>},
 };
 
+/// The handler of this place, made where there is none. No lock: of threads that make one at once, one keeps its own.
+CHandler* keptIn(std::atomic<CHandler*>& place, const Kind& kind, CDeviceManagerImpl* manager)
+{
+    CHandler* kept = place.load(std::memory_order_acquire);
+    if (kept == nullptr) {
+        std::unique_ptr<CHandler> made = kind.make(manager);
+        if (place.compare_exchange_strong(kept, made.get(), std::memory_order_acq_rel)) {
+            kept = made.release();
+        }
+    }
+    return kept;
+}
+
 }  // namespace
 
 CHandler* CDeviceManagerImpl::getHandler(HANDLERTYPE type)
 {
     for (std::size_t index = 0; index < kHandlerCount; ++index) {
         if (kKinds[index].type == type) {
-            if (!m_handlers[index]) {
-                m_handlers[index] = kKinds[index].make(this);
-            }
-            return m_handlers[index].get();
+            return keptIn(m_handlers[index], kKinds[index], this);
         }
     }
     return nullptr;

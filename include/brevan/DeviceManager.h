@@ -15,9 +15,9 @@ enum USERTYPE : int {
 /// One array: a session and the handlers that work under it. The first device manager of a process starts the logs and sets
 /// the retry settings for all, the last one to be released stops the logs.
 ///
-/// Threads: one thread at a time calls the operations of one device manager; its handlers, once fetched, may be used from
-/// several. Different device managers are independent. Do not call useConnection, loginDevice or logoutDevice while another
-/// thread runs requests.
+/// Threads: handlers may be fetched and used by several threads at once. One thread at a time calls the other operations of
+/// one device manager, and useConnection, loginDevice and logoutDevice while no other thread runs requests. Different
+/// device managers are independent.
 ///
 /// The four session operations never throw; brevan::lastFailure() says why one of them did not return 1. Each sends at most
 /// one request and blocks for it: at most the transport's connect and request limits (10 s and 60 s unless set otherwise).
@@ -42,8 +42,8 @@ public:
     /// failed. May be repeated.
     virtual int keepAlive() = 0;
 
-    /// The handler of that type, made on first request and kept: the same object every time. Null for any other number. Not
-    /// for several threads at once. Throws std::bad_alloc when memory is exhausted, and nothing else.
+    /// The handler of that type, made on first request and kept: the same object every time. Null for any other number. Any
+    /// thread. Throws std::bad_alloc when memory is exhausted, and nothing else.
     virtual CHandler* getHandler(HANDLERTYPE type) = 0;
 
     /// Adopts a session that somebody else opened: its device ID, token and cookie as the login reply gave them. Sends

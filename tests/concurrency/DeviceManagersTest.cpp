@@ -1,11 +1,17 @@
 #include "simulator/ArrayServer.h"
+#include "simulator/ErrorCodes.h"
 
 #include <brevan/brevan.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -182,6 +188,47 @@ TEST_F(DeviceManagers, ServeSixteenThreadsWithTheSameHandlers)
     EXPECT_EQ(manager->logoutDevice(), 1);
 }
 
+TEST_F(DeviceManagers, GiveEveryThreadTheSameHandlers)
+{
+    for (int round = 0; round < kRounds; ++round) {
+        const Manager manager(CDeviceManager::getInstance());
+        std::array<std::atomic<CHandler*>, HANDLER_FCOE_PORT + 1> seen{};
+        const Wrong wrong = inThreads(kThreads, [&](int, Wrong& found) {
+            for (int type = HANDLER_LUN; type <= HANDLER_FCOE_PORT; ++type) {
+                CHandler* const handler = manager->getHandler(static_cast<HANDLERTYPE>(type));
+                CHandler* const before = seen.at(static_cast<std::size_t>(type)).exchange(handler);
+                if (handler == nullptr || (before != nullptr && before != handler)) {
+                    found.push_back("another handler of type " + std::to_string(type));
+                }
+            }
+        });
+        EXPECT_THAT(wrong, IsEmpty());
+    }
+}
+
+/// An attach takes the handlers that it needs from its device manager, in whatever thread it runs.
+TEST_F(DeviceManagers, AttachInManyThreadsWithHandlersThatNobodyHasFetched)
+{
+    for (int number = 0; number < kThreads; ++number) {
+        arrays[0]->addIscsiInitiator("iqn.2020-01.lab:" + std::to_string(number));
+    }
+    const Manager manager(CDeviceManager::getInstance());
+    ASSERT_EQ(login(*manager, 0), 1) << lastFailure().text;
+    auto& attach = handler<CDiskAttachHandler>(*manager, HANDLER_DISK_ATTACH);
+    std::atomic<int> attached{0};
+    const Wrong wrong = inThreads(kThreads, [&](int number, Wrong& found) {
+        std::string lun = lunIds[0][static_cast<std::size_t>(number)];
+        const int result = attach.attachLunToHost(lun, "iqn.2020-01.lab:" + std::to_string(number), "127.0.0.1");
+        const Failure failure = lastFailure();
+        attached += failure.empty() ? 1 : 0;
+        if (result != 0 || (!failure.empty() && failure.code != sim::kNameTaken)) {  // named after the second
+            found.push_back(std::to_string(result) + ": " + failure.text);
+        }
+    });
+    EXPECT_THAT(wrong, IsEmpty());
+    EXPECT_GE(attached.load(), 1);
+}
+
 TEST_F(DeviceManagers, TellEachThreadItsOwnFailure)
 {
     const Manager manager(CDeviceManager::getInstance());
@@ -215,6 +262,33 @@ TEST_F(DeviceManagers, ComeAndGoInManyThreads)
         }
     });
     EXPECT_THAT(wrong, IsEmpty());
+}
+
+/// Device managers start and stop the logs under a mutex: no child may begin with it held.
+TEST_F(DeviceManagers, ComeAndGoInChildProcessesToo)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the address sanitizer's allocator may be locked in the child of a fork (GCC 12)";
+#endif
+    std::atomic<bool> isOver{false};
+    auto other = std::async(std::launch::async, [&isOver] {
+        while (!isOver) {
+            const Manager manager(CDeviceManager::getInstance());
+        }
+    });
+    int status = 0;
+    for (int round = 0; round < 100 && status == 0; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(20);  // a mutex that stayed held shows as a death by SIGALRM
+            CDeviceManager::releaseInstance(CDeviceManager::getInstance());
+            _exit(0);
+        }
+        waitpid(child, &status, 0);
+    }
+    EXPECT_EQ(status, 0);
+    isOver = true;
+    other.get();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "scanner/ScanFixture.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -102,6 +103,38 @@ TEST_F(ScanState, WakesWaitersAlsoWhereTheScanFailsBeforeTheEnd)
     EXPECT_TRUE(eventually([&] { return waiter.isDone(); }));
     EXPECT_EQ(GetScanState(), 2);
     EXPECT_TRUE(mutexIsFree());
+}
+
+/// The thread that runs the rescan, and will say that it has ended, is not in the child.
+TEST_F(ScanState, OfARunningRescanIsNotThatOfAChildProcess)
+{
+    const auto stateInChild = [] {
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(g_scanLunMutex.try_lock() ? 10 + GetScanState() : 1);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    };
+    std::promise<void> end;
+    std::promise<void> over;
+    std::promise<void> announced;
+    auto scan = std::async(std::launch::async, [&] {
+        RescanAnnouncement announcement;
+        end.get_future().wait();
+        announcement.end();
+        announced.set_value();
+        over.get_future().wait();
+    });
+    ASSERT_TRUE(eventually([] { return GetScanState() == UPRESCAN_RUNNING; }));
+    EXPECT_EQ(stateInChild(), 10 + UPRESCAN_NONE);
+    end.set_value();
+    announced.get_future().wait();
+    EXPECT_EQ(stateInChild(), 10 + UPRESCAN_ENDED);
+    EXPECT_EQ(GetScanState(), UPRESCAN_ENDED);
+    EXPECT_FALSE(mutexIsFree());
+    over.set_value();
 }
 
 TEST_F(ScanState, SeesTheMultipathSoftwareAnywhereInTheOutput)

@@ -6,7 +6,7 @@
 
 namespace {
 
-using Handlers = std::array<std::unique_ptr<CHandler>, CDeviceManagerImpl::kHandlerCount>;
+using Handlers = std::array<std::atomic<CHandler*>, CDeviceManagerImpl::kHandlerCount>;
 
 Handlers& handlersOf(CDeviceManagerImpl& manager);
 
@@ -106,7 +106,7 @@ TEST_F(DeviceManager, DeletesItsHandlersInTheirOrder)
     std::vector<int> deleted;
     auto made = std::make_unique<CDeviceManagerImpl>();
     for (int index = 12; index >= 0; --index) {
-        handlersOf(*made).at(static_cast<std::size_t>(index)) = std::make_unique<Probe>(index, deleted);
+        handlersOf(*made).at(static_cast<std::size_t>(index)) = std::make_unique<Probe>(index, deleted).release();
     }
     made.reset();
     EXPECT_EQ(deleted, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
@@ -116,8 +116,8 @@ TEST_F(DeviceManager, DeletesOnlyTheHandlersThatThereAre)
 {
     std::vector<int> deleted;
     auto made = std::make_unique<CDeviceManagerImpl>();
-    handlersOf(*made)[11] = std::make_unique<Probe>(11, deleted);
-    handlersOf(*made)[2] = std::make_unique<Probe>(2, deleted);
+    handlersOf(*made)[11] = std::make_unique<Probe>(11, deleted).release();
+    handlersOf(*made)[2] = std::make_unique<Probe>(2, deleted).release();
     made.reset();
     EXPECT_EQ(deleted, (std::vector<int>{2, 11}));
 }
@@ -131,7 +131,7 @@ TEST_F(DeviceManager, KeepsItsHandlersInTheOrderOfDeletion)
     }
     std::vector<CHandler*> kept;
     for (const auto& handler : handlersOf(manager)) {
-        kept.push_back(handler.get());
+        kept.push_back(handler.load());
     }
     EXPECT_EQ(kept, handedOut);
 }
@@ -142,7 +142,7 @@ TEST_F(DeviceManager, MakesNoHandlerForATypeThatThereIsNot)
         EXPECT_EQ(manager.getHandler(static_cast<HANDLERTYPE>(type)), nullptr) << type;
     }
     for (const auto& handler : handlersOf(manager)) {
-        EXPECT_EQ(handler, nullptr);
+        EXPECT_EQ(handler.load(), nullptr);
     }
 }
 
