@@ -57,7 +57,9 @@ CURLcode prepareTls(CURL*, void* data, void*) noexcept
     auto* context = static_cast<SSL_CTX*>(data);
     // libcurl hands TLS keys to the file that $SSLKEYLOGFILE names. They are secrets of the array's sessions.
     SSL_CTX_set_keylog_callback(context, nullptr);
-    SSL_CTX_set_verify(context, SSL_CTX_get_verify_mode(context), &noteTrustFault);
+    if (SSL_CTX_get_verify_mode(context) != SSL_VERIFY_NONE) {  // else OpenSSL would tell of faults that nobody minds
+        SSL_CTX_set_verify(context, SSL_CTX_get_verify_mode(context), &noteTrustFault);
+    }
     return CURLE_OK;
 }
 
@@ -111,7 +113,8 @@ Connection::Connection(const Server& server, const Settings& settings, std::shar
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(settings.requestTime.count()));
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(settings.replyBytes));
     set(CURLOPT_TCP_KEEPALIVE, 1L);
-    if (PlimTool::CheckIPValid(server.host) == 1) {
+    set(CURLOPT_QUICK_EXIT, 1L);  // a time limit does not wait for the look-up of a proxy's name
+    if (settings.proxy.empty() && PlimTool::CheckIPValid(server.host) == 1) {
         set(CURLOPT_DNS_CACHE_TIMEOUT, -1L);  // an address never changes: no search for outdated ones after each request
     }
     set(CURLOPT_SHARE, m_tlsSessions->handle());

@@ -58,7 +58,8 @@ public:
     SecretBytes takeReply() noexcept { return std::move(m_reply); }
 
     /// In the child of a fork: lets go of a connection of the parent without a word to the array. Its memory stays behind
-    /// on purpose, because freeing it would close the TLS session properly, in the parent's name.
+    /// on purpose, because freeing it would close the TLS session properly, in the parent's name; and with it the two ends
+    /// of a socket pair by which libcurl could be woken.
     static void abandon(std::unique_ptr<Connection> connection) noexcept;
 
     /// libcurl's words for the last failure.

@@ -91,8 +91,8 @@ int Connection::onSending(void* self, char*, char*, int, int) noexcept
     return CURL_PREREQFUNC_OK;
 }
 
-// A request that must not be sent again needs no new connection either. What is opened is closed when the application
-// runs another program.
+// A request that must not be sent again needs no new connection either. The connection is closed when the application runs
+// another program; the socket pair by which libcurl could be woken, which carries nothing, is libcurl's own and stays.
 curl_socket_t Connection::onOpenSocket(void* self, curlsocktype, curl_sockaddr* address) noexcept
 {
     if (!static_cast<Connection*>(self)->maySendAgain()) {

@@ -3,6 +3,7 @@
 #include "ForkGate.h"
 
 #include <algorithm>
+#include <iterator>
 #include <thread>
 #include <utility>
 
@@ -83,6 +84,7 @@ ConnectionPool::Lease ConnectionPool::take(const Server& server, const Settings&
         }
         tlsSessions = pool.tlsSessions;
     }
+    const ForkGate::Pass pass;  // making a handle takes locks of libcurl's
     return Lease(*this, std::move(key), std::make_unique<Connection>(server, settings, std::move(tlsSessions)));
 }
 
@@ -120,9 +122,9 @@ void ConnectionPool::closeIdle(Clock::duration limit)
         auto& idle = pool->second.idle;
         auto young = idle.begin();
         while (young != idle.end() && now - (*young)->idleSince > limit) {
-            closing.push_back(std::move(*young));
             ++young;
         }
+        closing.insert(closing.end(), std::make_move_iterator(idle.begin()), std::make_move_iterator(young));
         idle.erase(idle.begin(), young);
         pool = idle.empty() && pool->second.tlsSessions.use_count() <= 1 ? m_pools.erase(pool) : std::next(pool);
     }

@@ -146,6 +146,9 @@ TlsServer::TlsServer(const Identity& identity, Handler handler, const Options& o
         SSL_CTX_set_min_proto_version(m_context.get(), TLS1_VERSION);
         SSL_CTX_set_max_proto_version(m_context.get(), options.largestTlsVersion);
     }
+    if (options.wantsCertificate) {
+        SSL_CTX_set_verify(m_context.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, nullptr);
+    }
     m_listener = openListener(options);
     m_port = portOf(m_listener);
     m_acceptor = std::thread(&TlsServer::acceptAll, this);

@@ -61,6 +61,7 @@ public:
         std::string address = "127.0.0.1";
         unsigned short port = 0;         ///< 0: any
         int largestTlsVersion = 0;       ///< 0: the newest
+        bool wantsCertificate = false;   ///< of the client
         bool answersHandshake = true;    ///< false: accepts and says nothing
         bool resetsAtFirstByte = false;  ///< resets each connection while the client may still be writing
     };

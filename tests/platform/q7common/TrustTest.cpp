@@ -11,6 +11,7 @@ using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 /// Before OpenSSL reads it: on most machines OpenSSL refuses TLS 1.1 by itself, and nobody would see that the transport does.
 const int kIsPermissive = setenv("OPENSSL_CONF", BREVAN_ROOT "/tests/platform/q7common/permissive-openssl.cnf", 1);
@@ -128,6 +129,17 @@ TEST_F(Trust, ThatIsOffIsWarnedOfAtEveryLogin)
     EXPECT_EQ(send(server.url(), REST_POST, "/deviceManager/rest/xxxx/sessions").result, REST_ANSWERED);
     EXPECT_THAT(RunLogRecorder::lines(), ElementsAre(HasSubstr("W TLS verification is off for https://127.0.0.1:"),
                                                      HasSubstr("W TLS verification is off for https://127.0.0.1:")));
+}
+
+TEST_F(Trust, ThatIsOffIsNotBlamedForABrokenHandshake)
+{
+    useSettings("verify = off");
+    TlsServer::Options options;
+    options.largestTlsVersion = TLS1_2_VERSION;  // from TLS 1.3 on the client has sent its request by then
+    options.wantsCertificate = true;
+    const TlsServer server(makeSelfSigned(), TlsServer::answerAlways, options);
+    EXPECT_EQ(get(server.url()).result, REST_NO_CONNECTION);
+    EXPECT_THAT(RunLogRecorder::text(), AllOf(HasSubstr("handshake failure"), Not(HasSubstr("certificate not accepted"))));
 }
 
 TEST_F(Trust, IsNotWarnedOfWhereItIsOn)
