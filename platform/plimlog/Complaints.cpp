@@ -33,10 +33,10 @@ void writeQuietly(const std::string& line)
 
 }  // namespace
 
-void Complaints::say(const std::string& text) noexcept
+void Complaints::say(std::string_view text) noexcept
 {
     try {
-        if (m_said.size() >= kMostTexts || !m_said.insert(text).second) {
+        if (m_said.size() >= kMostTexts || !m_said.emplace(text).second) {
             return;
         }
         std::string line = "libPlimLogAPI: ";

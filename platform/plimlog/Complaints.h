@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace brevan::plimlog {
 
@@ -10,7 +11,7 @@ namespace brevan::plimlog {
 class Complaints {
 public:
     /// Does not fail, and does not end the process where standard error is a pipe that nobody reads.
-    void say(const std::string& text) noexcept;
+    void say(std::string_view text) noexcept;
 
 private:
     std::set<std::string> m_said;

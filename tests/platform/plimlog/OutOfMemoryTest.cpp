@@ -17,16 +17,21 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-/// Runs `call` again and again, each time failing one allocation later, until none fails. How many runs that took.
+/// Runs `call` again and again, each time failing one allocation later, until none fails: that one alone, or it and all that
+/// follow. How many runs that took.
 int failEachAllocation(const std::function<void()>& call)
 {
-    for (int allowed = 0;; ++allowed) {
-        failAllocationAfter(allowed);
-        call();
-        if (!allocationHasFailed()) {
-            return allowed;
+    int runs = 0;
+    for (const auto fail : {failAllocationAfter, failAllocationsFrom}) {
+        for (int allowed = 0;; ++allowed, ++runs) {
+            fail(allowed);
+            call();
+            if (!allocationHasFailed()) {
+                break;
+            }
         }
     }
+    return runs;
 }
 
 TEST(OutOfMemory, LetsALogStartOrNotButNothingInBetween)
