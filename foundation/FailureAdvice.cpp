@@ -26,7 +26,8 @@ struct Advice {
 constexpr Advice kAdvice[] = {
     {FAILURE_UNKNOWN_SESSION, "Log in first, or again."},
     {FAILURE_AMBIGUOUS_SESSION, "Release one of the device managers and get a new one."},
-    {FAILURE_BAD_PATH, "Use an ID or name without control characters and without \"..\" between slashes."},
+    {FAILURE_BAD_PATH,
+     "Use texts in UTF-8, and IDs and names without control characters and without \"..\" between slashes."},
     {FAILURE_BAD_SETTINGS, "Correct transport.ini; the run log names the file, the setting and what it may be."},
     {FAILURE_NO_CONNECTION, "Check the array's address and port, and that it is running and reachable from this host."},
     {FAILURE_NOT_TRUSTED,

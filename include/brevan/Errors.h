@@ -11,7 +11,7 @@
 ///   - a parameter is missing or wrong: its message followed by the operation's name; nothing was sent;
 ///   - the request could not be delivered or got no usable reply: "url error or internet error " and the operation's
 ///     name.
-/// brevan::lastFailure() (LastFailure.h) adds the code and what to do. No operation of the library lets another type through.
+/// brevan::lastFailure() (LastFailure.h) adds the code and what to do. No operation of a handler lets another type through.
 class BREVAN_API PlimAPIException : public std::exception {
 public:
     /// what() will be "Exception:" followed by `text`, with no blank between.

@@ -13,7 +13,7 @@ enum FailureCode : int {
     FAILURE_REFUSED = 1,             ///< a parameter, a missing object or a step on this host; the text says which
     FAILURE_UNKNOWN_SESSION = 1001,  ///< not logged in
     FAILURE_AMBIGUOUS_SESSION = 1002,
-    FAILURE_BAD_PATH = 1003,         ///< an ID or name that cannot stand in a URL
+    FAILURE_BAD_PATH = 1003,         ///< an ID or name that cannot stand in a URL, or a text that is not UTF-8
     FAILURE_BAD_SETTINGS = 1004,     ///< transport.ini is wrong; the run log names file and line
     FAILURE_NO_CONNECTION = 1005,    ///< the array cannot be reached
     FAILURE_NOT_TRUSTED = 1006,      ///< the array's certificate or name was not accepted

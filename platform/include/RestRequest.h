@@ -16,7 +16,8 @@ enum REST_SEND_RESULT_E : int {
     REST_ANSWERED = 0,            ///< a reply is there; its response code says whether the array did what was asked
     REST_UNKNOWN_SESSION = 1001,  ///< no session is registered under this handle; nothing was sent
     REST_AMBIGUOUS_SESSION,       ///< two live sessions share this handle; nothing was sent
-    REST_BAD_PATH,                ///< the path holds control characters or a ".." segment; nothing was sent
+    REST_BAD_PATH,                ///< the path holds control characters or a ".." segment, a header control characters,
+                                  ///< or a text of the body is not UTF-8; nothing was sent
     REST_BAD_SETTINGS,            ///< the transport's settings are wrong; nothing was sent
     REST_NO_CONNECTION,           ///< the array could not be reached; nothing was sent
     REST_NOT_TRUSTED,             ///< the array's certificate or name was not accepted; nothing was sent
