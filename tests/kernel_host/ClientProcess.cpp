@@ -54,6 +54,7 @@ ClientProcess::ClientProcess(const sim::ArrayServer& array, const std::vector<st
     if (fault != 0) {
         throw std::runtime_error("cannot start " + line[0]);
     }
+    m_id = m_pid;
 }
 
 ClientProcess::~ClientProcess()
@@ -72,6 +73,22 @@ std::map<std::string, std::string> ClientProcess::said()
         answers[line.substr(0, colon)] = line.substr(colon + 2);
     }
     return answers;
+}
+
+std::vector<std::string> ClientProcess::errorLines() const
+{
+    const auto build = std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
+    const std::string name = "Plim-Brevan-API-linux-Cpp.kernel_host_client." + std::to_string(m_id) + ".run.log";
+    std::vector<std::string> errors;
+    for (const std::string& line : linesOf(build / "lib/logs" / name)) {
+        std::istringstream words(line);
+        std::string date, time, level, process, thread, message;
+        words >> date >> time >> level >> process >> thread >> std::ws;
+        if (level == "ERROR" && std::getline(words, message)) {
+            errors.push_back(message);
+        }
+    }
+    return errors;
 }
 
 bool ClientProcess::isRunning()

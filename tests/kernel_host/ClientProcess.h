@@ -21,11 +21,14 @@ public:
 
     /// What it said once it has ended by itself: "result", "operation", "code", "text" and "advice".
     std::map<std::string, std::string> said();
+    /// The messages of the errors in its run log.
+    std::vector<std::string> errorLines() const;
     bool isRunning();
     void kill();
 
 private:
-    pid_t m_pid = -1;
+    pid_t m_pid = -1;  ///< -1 once it has ended
+    pid_t m_id = -1;
     std::string m_output;
 };
 

@@ -26,6 +26,9 @@ int amount(const std::string& name, int usual);
 /// Whether the condition came true within a minute. Limits are generous, since a busy machine makes everything slow.
 bool eventually(const std::function<bool()>& condition);
 
+/// What another application may do at any time.
+constexpr const char* kRescanHost = "sudo /opt/root_tool/common/security_sudo_v3.sh do_uprescan";
+
 std::string ownInitiator();
 constexpr const char* kOtherInitiator = "iqn.2020-01.lab:somebody-else";
 

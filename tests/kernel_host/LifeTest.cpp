@@ -74,15 +74,16 @@ Volume Life::attachSnapshotOf(const Volume& lun, const std::string& name)
     return snapshot;
 }
 
-/// As docs/host-setup.md tells: the calls before the detach, the disk deleted, then the detach.
+/// As docs/host-setup.md tells: the call before the detach, the disk deleted, then the detach.
 void Life::takeAway(const Volume& lun, const Volume& snapshot)
 {
     client.beforeSnapshotDetach(snapshot.id);
     deleteDisk(snapshot.path);
     client.detachSnapshot(snapshot.id);
     EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
+    client.beforeDetach(lun.id);
     deleteDisk(lun.path);
-    client.detach(lun.id);
+    client.detachLun(lun.id);
     EXPECT_TRUE(lastFailure().empty()) << lastFailure().text;
     EXPECT_FALSE(isExposed(lun.wwn) || isExposed(snapshot.wwn));
     EXPECT_EQ(client.scan(lun.id), "");
@@ -139,6 +140,25 @@ TEST_F(Life, OfALunAndItsSnapshotLeavesNothingBehind)
         EXPECT_EQ(console.count(kind), 0) << kind;
     }
     EXPECT_TRUE(std::filesystem::is_empty("/tmp/array/volumes"));
+}
+
+/// Whatever rescans the host between the two makes the disk anew, while the array still shows the volume.
+TEST_F(Life, OfADiskBeginsAgainWithARescanBeforeTheDetach)
+{
+    const Volume lun = attachLun();
+    client.beforeDetach(lun.id);
+    deleteDisk(lun.path);
+    EXPECT_EQ(diskNames().size(), 0U);
+    run(kRescanHost);
+    EXPECT_EQ(diskNames().size(), 1U);
+    client.detachLun(lun.id);
+    EXPECT_EQ(diskNames().size(), 1U) << "nobody tells the host";
+    for (const std::string& name : diskNames()) {
+        deleteDisk(name);
+    }
+    run(kRescanHost);
+    EXPECT_EQ(diskNames().size(), 0U);
+    console.remove("/lun/" + lun.id);
 }
 
 }  // namespace

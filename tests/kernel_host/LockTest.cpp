@@ -5,6 +5,7 @@
 
 #include <brevan/LastFailure.h>
 
+#include <gmock/gmock.h>
 #include <sys/sem.h>
 
 #include <filesystem>
@@ -95,11 +96,9 @@ TEST_F(Lock, NeverLetsTheRescansOfTwoProcessesOverlap)
 {
     {
         RescanRecorder::hold(kRescan);  // the recorder would see it: without the library two rescans do overlap
-        auto unlocked =
-            std::async(std::launch::async, [] { run("sudo /opt/root_tool/common/security_sudo_v3.sh do_uprescan"); });
+        auto unlocked = std::async(std::launch::async, [] { run(kRescanHost); });
         EXPECT_TRUE(eventually([] { return RescanRecorder::callsOf("begin do_uprescan") == 1; }));
-        auto other =
-            std::async(std::launch::async, [] { run("sudo /opt/root_tool/common/security_sudo_v3.sh do_uprescan"); });
+        auto other = std::async(std::launch::async, [] { run(kRescanHost); });
         EXPECT_TRUE(eventually([] { return RescanRecorder::callsOf("begin do_uprescan") == 2; }));
         RescanRecorder::letGo(kRescan);
     }
@@ -143,7 +142,10 @@ TEST_F(Lock, EndsAWaiterWithItsReasonWhenTheSemaphoreIsRemoved)
     run("ipcrm -S 1235");
     EXPECT_EQ(waiting->said()["result"], "");
     EXPECT_EQ(waiting->said()["operation"], "scanLunAfterAttach");
-    EXPECT_NE(waiting->said()["text"].find("Get Lock Failed"), std::string::npos) << waiting->said()["text"];
+    EXPECT_NE(waiting->said()["text"].find("Get Lock Failed: Identifier removed"), std::string::npos)
+        << waiting->said()["text"];
+    EXPECT_THAT(waiting->errorLines(),
+                testing::ElementsAre(testing::MatchesRegex("Lock sem\\[[0-9]+\\] failed\\."), "Get Lock Failed"));
     RescanRecorder::letGo(kRescan);
     expectFound(*holding);
     EXPECT_EQ(semaphoreValue(), 1);  // the holder's release made it anew

@@ -11,6 +11,7 @@
 namespace brevan::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 class Trouble : public KernelHost {
@@ -84,16 +85,21 @@ TEST_F(Trouble, OfASessionThatExpiredBetweenAttachAndScan)
     expectFoundNow();
 }
 
+/// The client is a process of its own, which begins when the disk is full: its logs are there, and empty.
 TEST_F(Trouble, OfAFullDiskOfLogsStopsNothing)
 {
     const std::string logs = std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "lib/logs";
     run("mount -t tmpfs -o size=1M none " + logs + " && (cat /dev/zero >" + logs + "/full 2>/dev/null || true)");
-    expectFoundNow();
-    const LunMO second = attachedLun();
-    EXPECT_NE(client.scan(second.ID), "") << lastFailure().text;
-    client.detach(second.ID);
+    EXPECT_EQ(run("find " + logs + " -name '*kernel_host_client*'"), "");
+    ClientProcess scanning(*array, {"scan", lun.ID});
+    const auto said = scanning.said();
+    EXPECT_NE(said.at("result"), "") << said.at("text");
+    EXPECT_THAT(run("find " + logs + " -name '*kernel_host_client*' -size 0"),
+                AllOf(HasSubstr(".run.log"), HasSubstr(".interface.log")));
+    EXPECT_EQ(run("find " + logs + " -name '*kernel_host_client*' -size +0"), "");
     EXPECT_EQ(std::filesystem::space(logs).available, 0U);
     run("umount -l " + logs);
+    expectFoundNow();
 }
 
 /// A real disk whose model is what the busy wait looks for: lsscsi lists it.

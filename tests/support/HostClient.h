@@ -91,10 +91,16 @@ public:
     std::string scan(std::string lunId) { return scanner().scanLunAfterAttach(lunId); }
     std::string scanSnapshot(std::string id) { return scanner().scanSnapshotAfterAttach(id); }
 
-    void detach(std::string lunId)
+    void beforeDetach(std::string lunId) { scanner().scanLunBeforeDetach(lunId); }
+    void detachLun(const std::string& lunId)
     {
-        scanner().scanLunBeforeDetach(lunId);
         get<CDiskAttachHandler>(HANDLER_DISK_ATTACH).detachLunFromHost(lunId, m_initiator);
+    }
+    /// Both, where the disk does not matter.
+    void detach(const std::string& lunId)
+    {
+        beforeDetach(lunId);
+        detachLun(lunId);
     }
     void beforeSnapshotDetach(std::string id) { scanner().scanSnapshotBeforeDetach(id); }
     void detachSnapshot(const std::string& id)

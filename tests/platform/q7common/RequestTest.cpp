@@ -2,7 +2,9 @@
 
 #include "UserManager.h"
 
+#include <atomic>
 #include <cstdint>
+#include <future>
 #include <thread>
 
 namespace brevan::test {
@@ -186,6 +188,29 @@ TEST_F(Request, LogsNoSecret)
     login.SendRequest("/sessions", REST_POST, sent.response, sent.headerLines, true);
     EXPECT_EQ(RunLogRecorder::lines().size(), 2U);
     EXPECT_THAT(RunLogRecorder::text(), Not(HasSubstr("canary")));
+}
+
+/// One request is answered only once the other has arrived.
+TEST_F(Request, DoesNotWaitForThatOfAnotherThread)
+{
+    std::promise<void> firstArrived;
+    std::promise<void> secondArrived;
+    std::atomic<bool> cameInTime{false};
+    const TlsServer server(identity(), [&](Peer& peer, const Received& request) {
+        if (request.target.find("/first") != std::string::npos) {
+            firstArrived.set_value();
+            cameInTime = secondArrived.get_future().wait_for(std::chrono::seconds(4)) == std::future_status::ready;
+        } else {
+            secondArrived.set_value();
+        }
+        peer.answer(kSuccess);
+    });
+    open(0x100000001, server);
+    auto first = std::async(std::launch::async, [] { return sendUnder(1, REST_GET, "/first"); });
+    firstArrived.get_future().wait();
+    EXPECT_EQ(sendUnder(1, REST_GET, "/second"), REST_ANSWERED);
+    EXPECT_EQ(first.get(), REST_ANSWERED);
+    EXPECT_TRUE(cameInTime);
 }
 
 TEST_F(Request, RunsInManyThreadsWhileSessionsComeAndGo)
