@@ -1,9 +1,10 @@
 #!/bin/bash
 # Draws what KernelHost.Many measured: the time of attach and of attach plus scan over the number of disks that the host had already.
 #   attach-scan-plot.sh FILE... >docs/pictures/attach-scan.svg     FILE: output of many_tests; of several, the fastest time counts
-# On standard error: the straight lines through the points, t = BASE ms + SLOPE ms * disks, and how the slopes of both halves compare.
+# On standard error: the straight lines through the points, t = BASE ms + SLOPE ms * disks, and the slopes of both halves. Exit status 1
+# where attach and scan grow faster than linearly: where the second half is more than half as steep again as the first.
 set -euo pipefail
-[[ $# -gt 0 ]] || { sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2; }
+[[ $# -gt 0 ]] || { sed -n '2,5s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 awk -F '\t' '
 function least(old, new) { return old == "" || new < old ? new : old }
 function fit(times, from, to,    i, n, x, y, xx, xy) {         # leaves base and slope
@@ -26,6 +27,7 @@ function tell(name, times,    all, first) {
     fit(times, 0, int(most / 2)); first = slope
     fit(times, int(most / 2) + 1, most)
     printf "%s: %s; slope of the first half %.1f, of the second %.1f\n", name, all, first, slope >"/dev/stderr"
+    return slope > 1.5 * first
 }
 $1 == "disks" { attach[$2] = least(attach[$2], $4); both[$2] = least(both[$2], $4 + $6); if ($2 + 0 > most) most = $2 + 0 }
 END {
@@ -44,5 +46,6 @@ END {
     draw(both, "#1f5fa8"); text(596, py(both[most]) - 14, "end", "attach and scan")
     draw(attach, "#b5541c"); text(596, py(attach[most]) - 10, "end", "attach alone")
     print "</svg>"
-    tell("attach and scan", both); tell("attach alone", attach)
+    tell("attach alone", attach)
+    if (tell("attach and scan", both)) { print "attach and scan grow faster than linearly" >"/dev/stderr"; exit 1 }
 }' "$@"

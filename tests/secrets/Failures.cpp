@@ -2,8 +2,6 @@
 // On standard output stands what an application gets to see. Exit status 1 where a case did not come about.
 #include "Failures.h"
 
-#include <cstdlib>
-#include <fstream>
 #include <iostream>
 
 namespace brevan::test {
@@ -22,35 +20,6 @@ bool tell(const std::string& what, const std::function<void()>& operation)
     return thrown != "-" || !last.empty();
 }
 
-IscsiInitiatorMO initiatorWithSecrets(const std::string& name)
-{
-    IscsiInitiatorMO initiator;
-    initiator.ID = name;
-    initiator.USECHAP = 1;
-    initiator.NORMALVERMODE = "2";
-    initiator.DISCOVERYVERMODE = "2";
-    initiator.CHAPNAME = "initiator";
-    initiator.CHAPPASSWORD = kChapSecret;
-    initiator.CHAPOLDPASSWORD = kOldSecret;
-    initiator.CHAPNAMEINITATORVERTARGET = "target";
-    initiator.CHAPPASSWORDINITATORVERTARGET = kTargetSecret;
-    initiator.CHAPOLDPASSWORDINITATORVERTARGET = kOldSecret;
-    return initiator;
-}
-
-CIscsiInitiatorHandler& initiators(CDeviceManager& manager)
-{
-    return *static_cast<CIscsiInitiatorHandler*>(manager.getHandler(HANDLER_ISCSI_INITIATOR));
-}
-
-void useSettings(const std::string& folder, const std::string& authority)
-{
-    const std::string file = folder + "/transport.ini";
-    std::ofstream(file) << "[tls]\nca_file = " << authority
-                        << "\n[time]\nrequest_seconds = 2\n[limits]\nreply_megabytes = 1\n";
-    setenv("BREVAN_TRANSPORT_CONFIG", file.c_str(), 1);
-}
-
 }  // namespace brevan::test
 
 int main(int argc, char** argv)
@@ -59,6 +28,7 @@ int main(int argc, char** argv)
         std::cerr << "secrets_failures: the only argument is a folder\n";
         return 2;
     }
-    const int missing = brevan::test::meetBadReplies(argv[1]) + brevan::test::meetFaultyArray(argv[1]);
+    using namespace brevan::test;
+    const int missing = meetBadReplies(argv[1]) + meetBadServers(argv[1]) + meetFaultyArray(argv[1]);
     return missing == 0 ? 0 : 1;
 }

@@ -31,8 +31,9 @@ IscsiInitiatorMO initiatorWithSecrets(const std::string& name);
 
 CIscsiInitiatorHandler& initiators(CDeviceManager& manager);
 
-/// Both return how many of their cases did not come about, each told on standard error.
+/// These return how many of their cases did not come about, each told on standard error.
 int meetBadReplies(const std::string& folder);
+int meetBadServers(const std::string& folder);
 int meetFaultyArray(const std::string& folder);
 
 void useSettings(const std::string& folder, const std::string& authority);
