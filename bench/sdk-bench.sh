@@ -52,6 +52,7 @@ serverLimit() {                              # what the server can do, as wrk se
     for connections in 1 2 4 8 16; do
         wrk -t$((connections < 2 ? 1 : 2)) -c$connections -d2s "https://127.0.0.1:$web_port$READ" >"$work/wrk.log" || die "wrk: $(<"$work/wrk.log")"
         printf '#limit\t%s\t%s\n' $connections "$(sed -n 's/^Requests\/sec: *//p' "$work/wrk.log")"
+        [[ $connections -ne 8 ]] || sed -n 's/^Requests\/sec: *\(.*\)/# wrk with 8 connections, the limit of the server beside getLun with 8 threads: \1 requests\/s./p' "$work/wrk.log"
     done
 }
 

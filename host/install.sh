@@ -42,7 +42,7 @@ checkFile() {                                # INSTALLED SOURCE MODE: same conte
 }
 
 checkFolders() {                             # FILE: nobody but root can replace a part of its path
-    local path=$1 paths=() owner mode
+    local path=$1 paths=(/) owner mode
     while path=${path%/*}; [[ -n $path ]]; do [[ ! -d $path ]] || paths+=("$path"); done
     while read -r owner mode path; do
         [[ $mode == d* ]] || problem "$path is a symbolic link"

@@ -7,6 +7,7 @@ extendedTests() {
     extendedCheck coverage Coverage "$TOP/scripts/coverage.sh"
     extendedCheck mutants Mutants "$TOP/scripts/mutants.sh"
     extendedTidy
+    extendedMemory
     extendedKernelHost LifeLong life_tests --rounds=50
     extendedKernelHost ManyLong many_tests --disks=64
 }
@@ -32,6 +33,12 @@ extendedTidy() {                             # without the compilations of the p
     configurePreset tidy >&2
     echo "add_test(ClangTidy run-clang-tidy -quiet -j $(nproc) -p \"$TOP/build/tidy\")"
     echo "set_tests_properties(ClangTidy PROPERTIES LABELS tidy TIMEOUT 5400 RUN_SERIAL ON)"
+}
+
+extendedMemory() {                           # memory that ends at every allocation, watched by the address sanitizer
+    echo "add_test(SimulatedHost.OutOfMemoryLong \"$TOP/tests/simulated_host/run-in-host.sh\" \"$TOP/build/asan\" --"
+    echo "  env BREVAN_EVERY_ALLOCATION=1 \"$TOP/build/asan/bin/memory_tests\" --gtest_brief=1)"
+    echo "set_tests_properties(SimulatedHost.OutOfMemoryLong PROPERTIES LABELS simulated_host_long TIMEOUT 1800)"
 }
 
 extendedKernelHost() {                       # NAME PROGRAM ARGUMENT...: a scenario of the kernel host in its long form

@@ -5,7 +5,7 @@
 #   scripts/test.sh --label L      only tests with that label: unit, contract, package, simulated_host, kernel_host
 #   scripts/test.sh --preset P     only that preset: release, asan, dev, tsan
 #   scripts/test.sh --coverage     only how much of the SDK the tests reach, with the lines that they do not
-#   scripts/test.sh --all          all of this, and the thread sanitizer, clang-tidy and mutants
+#   scripts/test.sh --all          all of this, and the thread sanitizer, clang-tidy, coverage, mutants, and the kernel host's long forms
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"

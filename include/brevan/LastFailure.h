@@ -28,7 +28,7 @@ enum FailureCode : int {
 struct BREVAN_API Failure {
     std::string operation;  ///< the operation in which it went wrong, e.g. "createHost" within attachLunToHost
     int code = 0;           ///< a FailureCode, else the array's code
-    std::string text;       ///< what went wrong, as the run log has it
+    std::string text;       ///< what went wrong, as the run log has it or in more words
     std::string advice;     ///< what to do about it, one sentence; empty where nothing general can be said
 
     bool empty() const { return operation.empty(); }

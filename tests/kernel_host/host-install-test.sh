@@ -60,7 +60,9 @@ check 1 "/opt/root_tool is a symbolic link" "--check with a link in the path" "$
 rm /opt/root_tool && mv /opt/elsewhere /opt/root_tool
 chmod 777 /opt
 check 1 "/opt can be written by others" "--check with an /opt that others may write" "$INSTALL" --check
-chmod 755 /opt && chown backup /opt/root_tool/common
+chmod 755 /opt && chmod 777 /
+check 1 "/ can be written by others" "--check with a root folder that others may write" "$INSTALL" --check
+chmod 755 / && chown backup /opt/root_tool/common
 check 1 "/opt/root_tool/common must belong to root" "--check with a folder of the user's" "$INSTALL" --check
 chown root /opt/root_tool/common && chmod 755 /opt/root_tool
 check 0 "are in place" "--check with all in order again" "$INSTALL" --check
