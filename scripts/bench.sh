@@ -16,7 +16,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 exec </dev/null
 
-BENCH_PACKAGES=(nginx-light wrk openssl gnuplot-nox)     # what benchmarks need beside the build's packages
+BENCH_PACKAGES=(libbenchmark-dev nginx-light wrk openssl gnuplot-nox)     # what benchmarks need beside the build's packages
 
 parseArguments() {
     only="" json="" build="" list=""

@@ -6,6 +6,7 @@
 
 #include <thread>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace brevan::plimlog {
@@ -15,6 +16,8 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
+
+constexpr uid_t kNobody = 65534;
 
 class LogStart : public testing::Test {
 protected:
@@ -82,6 +85,19 @@ TEST_F(LogStart, FailsWithOneLineThatSaysWhatToDo)
         "libPlimLogAPI: the log of \"Test\" is off: cannot write " + logPath(blocked, getpid(), "run.log") +
             ": Not a directory. Name a directory that this user can write under [log] in /nonexistent/Brevan_API.ini.\n");
     EXPECT_THAT(namesIn(m_folder.path()), ElementsAre("file"));
+}
+
+TEST_F(LogStart, FailsWhereTheUserMayNotWrite)
+{
+    const uid_t user = geteuid();
+    chmod(m_folder.path().c_str(), S_IRUSR | S_IXUSR);
+    testing::internal::CaptureStderr();
+    ASSERT_EQ(user == 0 ? seteuid(kNobody) : 0, 0);  // root may write anywhere
+    const int started = m_registry.start("Test", nullptr, (m_folder / "logs").c_str());
+    ASSERT_EQ(seteuid(user), 0);
+    EXPECT_EQ(started, -1);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(": Permission denied."));
+    chmod(m_folder.path().c_str(), S_IRWXU);
 }
 
 TEST_F(LogStart, SucceedsOnceTheFolderCanBeWritten)
