@@ -70,7 +70,7 @@ LunMO createLun(ArraySession& array, const std::string& pool)
     wanted.CAPACITY = 1ULL << 30;
     wanted.ALLOCTYPE = 1;
     wanted.ALLOCCAPACITY = 64ULL << 20;  // the initial allocation of a thin LUN: it must be set
-    const LunMO lun = array.get<CLunHandler>(HANDLER_LUN).createLun(wanted);
+    LunMO lun = array.get<CLunHandler>(HANDLER_LUN).createLun(wanted);
     if (lun.ID.empty()) {
         throw failure(kCreateFailed, "the LUN was created, but it cannot be read yet");
     }

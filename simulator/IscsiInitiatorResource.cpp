@@ -42,7 +42,7 @@ void setColumn(Database& database, const char* name, const Value& value, const V
 
 std::string mode(const RequestContext& context, const char* key)
 {
-    const std::string text = context.body.has(key) ? context.body.text(key, 8) : "0";
+    std::string text = context.body.has(key) ? context.body.text(key, 8) : "0";
     if (text != "0" && text != "1" && text != "2") {
         throw ApiError(kBadChap, std::string(key) + " must be \"0\" (no CHAP), \"1\" (one-way) or \"2\" (mutual).");
     }
@@ -91,7 +91,7 @@ void setChap(RequestContext& context, const Value& id)
     }
     any ? setSecret(context, kInitiatorSide, id) : clearSide(database, kInitiatorSide, id);
     mutual ? setSecret(context, kTargetSide, id) : clearSide(database, kTargetSide, id);
-    setColumn(database, "use_chap", std::int64_t{any}, id);
+    setColumn(database, "use_chap", std::int64_t{any ? 1 : 0}, id);
     setColumn(database, "normal_mode", normal, id);
     setColumn(database, "discovery_mode", discovery, id);
 }
