@@ -3,11 +3,14 @@
 
 #include "platform/q7common/TlsServer.h"
 
+#include <UserManager.h>
+
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 #include <vector>
@@ -102,6 +105,16 @@ public:
         });
     }
 
+    /// Under a handle that stands for another session as well.
+    bool createUnderASharedHandle(const TlsServer& server) const
+    {
+        const auto* other = reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(m_manager.get()) + (1ULL << 32));
+        CUserManager::getInstance().RegisterSession(other, "1", "127.0.0.1", server.port(), kToken, kCookie, true);
+        const bool failed = create("under a shared handle") && lastFailure().code == FAILURE_AMBIGUOUS_SESSION;
+        CUserManager::getInstance().RemoveSession(other);
+        return failed;
+    }
+
 private:
     std::string m_folder;
     Identity m_authority = makeAuthority();
@@ -156,6 +169,7 @@ int meetBadServers(const std::string& folder)
     want(failsWithoutDescriptors(servers, *server), "a login fails without descriptors");
     want(!servers.login("well", *server), "a good login");
     want(createsInChild(servers), "a creation in a child");
+    want(servers.createUnderASharedHandle(*server), "a creation fails under a shared handle");
     server->closeConnections();
     servers.create("after an idle end");
     server.reset();
