@@ -36,7 +36,6 @@ std::size_t keysIn(std::string_view text)
     return keys;
 }
 
-/// `value` is an object or a list.
 std::size_t membersOf(const Json::Value& value)  // NOLINT(misc-no-recursion): the reader bounds the depth
 {
     std::size_t members = value.isObject() ? value.size() : 0;
@@ -70,7 +69,7 @@ std::size_t keysAtMost(std::string_view text)
 
 bool hasKeyTwice(std::string_view text, const Json::Value& value)
 {
-    const std::size_t members = value.isObject() || value.isArray() ? membersOf(value) : 0;
+    const std::size_t members = membersOf(value);
     return keysAtMost(text) != members && keysIn(text) != members;
 }
 

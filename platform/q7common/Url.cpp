@@ -147,17 +147,14 @@ const char* describe(PathFault fault)
 std::string encodePath(std::string_view path)
 {
     constexpr char kHexDigits[] = "0123456789abcdef";  // libcurl makes small letters of capitals
-    const auto isPlain = [](char c) { return kIsPlain[static_cast<unsigned char>(c)]; };
     std::string encoded;
     encoded.reserve(path.size() + 16);
-    for (auto at = path.begin(); at != path.end(); ++at) {
-        const auto run = at;
-        at = std::find_if_not(run, path.end(), isPlain);
-        encoded.append(run, at);
-        if (at == path.end()) {
-            break;
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (kIsPlain[byte]) {
+            encoded += c;
+            continue;
         }
-        const auto byte = static_cast<unsigned char>(*at);
         encoded += '%';
         encoded += kHexDigits[byte >> 4];
         encoded += kHexDigits[byte & 0x0f];

@@ -25,8 +25,7 @@ std::string http(const std::string& head, const std::string& body)
 
 std::string goodLogin()
 {
-    return http(kHead, std::string(R"({"data":{"deviceid":"1","iBaseToken":")") + kToken +
-                           R"("},"error":{"code":0,"description":"0"}})");
+    return http(kHead, loginBody());
 }
 
 std::string body(const std::string& data, const std::string& code = "0")

@@ -18,18 +18,15 @@
 namespace brevan::test {
 namespace {
 
-const std::string kLoginBody =
-    std::string(R"({"data":{"deviceid":"1","iBaseToken":")") + kToken + R"("},"error":{"code":0,"description":"0"}})";
-
 void answerLogin(Peer& peer, const Received&)
 {
-    peer.answer(kLoginBody, 200, std::string("Set-Cookie: ") + kCookie + "; Path=/\r\n");
+    peer.answer(loginBody(), 200, std::string("Set-Cookie: ") + kCookie + "; Path=/\r\n");
 }
 
 /// The reply's head at once, then a byte now and then.
 void drip(Peer& peer, const Received&)
 {
-    peer.write("HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n" + kLoginBody);
+    peer.write("HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n" + loginBody());
     while (!peer.isStopping() && peer.write(" ")) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
@@ -38,7 +35,7 @@ void drip(Peer& peer, const Received&)
 void sendWithoutEnd(Peer& peer, const Received&)
 {
     peer.write("HTTP/1.1 200 OK\r\n\r\n");
-    while (!peer.isStopping() && peer.write(kLoginBody + std::string(100000, ' '))) {
+    while (!peer.isStopping() && peer.write(loginBody() + std::string(100000, ' '))) {
     }
 }
 
@@ -84,12 +81,7 @@ public:
 
     const Identity& authority() const { return m_authority; }
 
-    void use(const std::string& settings) const
-    {
-        const std::string file = m_folder + "/transport.ini";
-        std::ofstream(file) << "[tls]\nca_file = " << m_folder << "/ca.pem\n" << settings;
-        setenv("BREVAN_TRANSPORT_CONFIG", file.c_str(), 1);
-    }
+    void use(const std::string& settings) const { useSettings(m_folder, m_folder + "/ca.pem", settings); }
 
     bool login(const std::string& what, const TlsServer& server) const
     {

@@ -36,7 +36,12 @@ int meetBadReplies(const std::string& folder);
 int meetBadServers(const std::string& folder);
 int meetFaultyArray(const std::string& folder);
 
-void useSettings(const std::string& folder, const std::string& authority);
+/// Writes transport.ini into the folder and has it used: the authority's file, and what comes behind it.
+void useSettings(const std::string& folder, const std::string& authority,
+                 const std::string& more = "[time]\nrequest_seconds = 2\n[limits]\nreply_megabytes = 1\n");
+
+/// The body of a reply to a login.
+std::string loginBody();
 
 }  // namespace brevan::test
 

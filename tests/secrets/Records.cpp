@@ -27,12 +27,16 @@ CIscsiInitiatorHandler& initiators(CDeviceManager& manager)
     return *static_cast<CIscsiInitiatorHandler*>(manager.getHandler(HANDLER_ISCSI_INITIATOR));
 }
 
-void useSettings(const std::string& folder, const std::string& authority)
+void useSettings(const std::string& folder, const std::string& authority, const std::string& more)
 {
     const std::string file = folder + "/transport.ini";
-    std::ofstream(file) << "[tls]\nca_file = " << authority
-                        << "\n[time]\nrequest_seconds = 2\n[limits]\nreply_megabytes = 1\n";
+    std::ofstream(file) << "[tls]\nca_file = " << authority << "\n" << more;
     setenv("BREVAN_TRANSPORT_CONFIG", file.c_str(), 1);
+}
+
+std::string loginBody()
+{
+    return std::string(R"({"data":{"deviceid":"1","iBaseToken":")") + kToken + R"("},"error":{"code":0,"description":"0"}})";
 }
 
 }  // namespace brevan::test

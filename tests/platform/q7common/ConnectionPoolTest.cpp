@@ -1,6 +1,7 @@
 #include "platform/q7common/ConnectionPool.h"
 
 #include "TransportFixture.h"
+#include "tests/support/Forks.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -152,9 +153,9 @@ TEST_F(Pool, ResumesTheTlsSessionForAFurtherConnection)
 
 TEST_F(Pool, OfAChildProcessTouchesNoConnectionOfItsParent)
 {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the address sanitizer's allocator may be locked in the child of a fork (GCC 12)";
-#endif
+    if (test::kWhyNoForks != nullptr) {
+        GTEST_SKIP() << test::kWhyNoForks;
+    }
     const test::TlsServer server(test::identity());
     EXPECT_EQ(test::get(server.url()).result, REST_ANSWERED);
     const pid_t child = fork();

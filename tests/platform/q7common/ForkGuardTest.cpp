@@ -2,6 +2,7 @@
 
 #include "TransportFixture.h"
 #include "UserManager.h"
+#include "tests/support/Forks.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,9 +17,9 @@ class Fork : public test::TransportTest {};
 
 TEST_F(Fork, InTheMiddleOfOtherThreadsRequestsLeavesTheChildUsable)
 {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the address sanitizer's allocator may be locked in the child of a fork (GCC 12)";
-#endif
+    if (test::kWhyNoForks != nullptr) {
+        GTEST_SKIP() << test::kWhyNoForks;
+    }
     const test::TlsServer server(test::identity());
     std::atomic<bool> isOver{false};
     std::vector<std::thread> threads;
